@@ -1,0 +1,121 @@
+// VelHal.dll as a host sees it: which names it exports and which DLLs it needs.
+#include "platform/win32.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Walks the PE directories of a loaded module.
+class LoadedImage {
+ public:
+  explicit LoadedImage(HMODULE module) : base_(reinterpret_cast<const BYTE*>(module)) {
+    const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base_);
+    nt_ = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base_ + dos->e_lfanew);
+  }
+
+  std::vector<std::string> ExportNames() const {
+    const IMAGE_DATA_DIRECTORY& dir = Directory(IMAGE_DIRECTORY_ENTRY_EXPORT);
+    if (dir.VirtualAddress == 0) return {};
+    const auto* exports = At<IMAGE_EXPORT_DIRECTORY>(dir.VirtualAddress);
+    const auto* names = At<DWORD>(exports->AddressOfNames);
+    std::vector<std::string> result;
+    for (DWORD i = 0; i < exports->NumberOfNames; ++i) result.emplace_back(At<char>(names[i]));
+    return result;
+  }
+
+  std::vector<std::string> ImportedDlls() const {
+    std::vector<std::string> result;
+    const IMAGE_DATA_DIRECTORY& dir = Directory(IMAGE_DIRECTORY_ENTRY_IMPORT);
+    if (dir.VirtualAddress != 0) {
+      for (const auto* d = At<IMAGE_IMPORT_DESCRIPTOR>(dir.VirtualAddress); d->Name != 0; ++d) {
+        result.emplace_back(At<char>(d->Name));
+      }
+    }
+    const IMAGE_DATA_DIRECTORY& delayed = Directory(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT);
+    if (delayed.VirtualAddress != 0) {
+      for (const auto* d = At<IMAGE_DELAYLOAD_DESCRIPTOR>(delayed.VirtualAddress);
+           d->DllNameRVA != 0; ++d) {
+        result.emplace_back(At<char>(d->DllNameRVA));
+      }
+    }
+    return result;
+  }
+
+ private:
+  const IMAGE_DATA_DIRECTORY& Directory(int index) const {
+    return nt_->OptionalHeader.DataDirectory[index];
+  }
+  template <class T>
+  const T* At(DWORD rva) const {
+    return reinterpret_cast<const T*>(base_ + rva);
+  }
+
+  const BYTE* base_;
+  const IMAGE_NT_HEADERS64* nt_;
+};
+
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+class ExportSurfaceTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    module_ = ::LoadLibraryW(L"VelHal.dll");
+    ASSERT_NE(module_, nullptr) << "error " << ::GetLastError();
+  }
+  void TearDown() override {
+    if (module_ != nullptr) ::FreeLibrary(module_);
+  }
+  HMODULE module_ = nullptr;
+};
+
+TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
+  const std::vector<std::string> names = LoadedImage(module_).ExportNames();
+  const std::set<std::string> exported(names.begin(), names.end());
+  for (const char* flat : {"HalInit", "HalOpenDevice", "HalCloseDevice", "HalRead", "HalWrite",
+                           "HalQueryInformation", "HalSetInformation", "HalSetCallback"}) {
+    SCOPED_TRACE(flat);
+    EXPECT_EQ(exported.count(flat), 1u);
+    EXPECT_NE(::GetProcAddress(module_, flat), nullptr);
+  }
+  // Exported classes appear as mangled members: "<length><class name>" then each member.
+  const auto has_member = [&](const std::string& klass, const std::string& member) {
+    const std::string needle = std::to_string(klass.size()) + klass +
+                               std::to_string(member.size()) + member;
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& n) { return n.find(needle) != std::string::npos; });
+  };
+  for (const char* member : {"ReadLocalMachineRegDW", "ReadLocalMachineRegRZ",
+                             "ReadLocalMachineRegExpandRZ", "WrightLocalMachineRegDW",
+                             "WriteLocalMachineRegRZ", "WrightLocalMachineRegExpandRZ"}) {
+    EXPECT_TRUE(has_member("ReadReg", member)) << member;
+  }
+}
+
+TEST_F(ExportSurfaceTest, ImportsOnlyWindowsSystemDlls) {
+  wchar_t system_dir[MAX_PATH] = {};
+  ASSERT_GT(::GetSystemDirectoryW(system_dir, MAX_PATH), 0u);
+  // The MinGW runtime is linked in; a host must never need these beside the DLL.
+  const std::set<std::string> runtime = {"libstdc++-6.dll", "libgcc_s_seh-1.dll",
+                                         "libwinpthread-1.dll"};
+  const std::vector<std::string> imports = LoadedImage(module_).ImportedDlls();
+  EXPECT_FALSE(imports.empty());
+  for (const std::string& dll : imports) {
+    SCOPED_TRACE(dll);
+    EXPECT_EQ(runtime.count(Lower(dll)), 0u);
+    const std::wstring path =
+        std::wstring(system_dir) + L"\\" + std::wstring(dll.begin(), dll.end());
+    EXPECT_NE(::GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES);
+  }
+}
+
+}  // namespace

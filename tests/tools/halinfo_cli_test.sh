@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# halinfo under Wine: the header, --json, --help, and a clear failure without VelHal.dll.
+set -uo pipefail
+wine_run=$1 halinfo=$2 version=$3
+failures=0
+check() {  # check DESCRIPTION COMMAND...
+  local what=$1; shift
+  if "$@"; then echo "ok: $what"; else echo "FAILED: $what"; failures=$((failures + 1)); fi
+}
+
+out=$("$wine_run" "$halinfo"); rc=$?
+check "plain run exits 0" test "$rc" -eq 0
+check "header names the library version" grep -q "^VelHal $version\.0 " <<<"$out"
+check "header names the Windows version" grep -Eq '^Windows [0-9]+\.[0-9]+ build [0-9]+' <<<"$out"
+
+json=$("$wine_run" "$halinfo" --json); rc=$?
+check "--json exits 0" test "$rc" -eq 0
+check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
+check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
+
+"$wine_run" "$halinfo" --help | grep -q -- '--json'
+check "--help lists the options" test "${PIPESTATUS[1]}" -eq 0
+
+alone=$(mktemp -d)
+cp "$halinfo" "$alone/"
+err=$("$wine_run" "$alone/$(basename "$halinfo")" 2>&1 >/dev/null); rc=$?
+rm -rf "$alone"
+check "a missing DLL exits non-zero" test "$rc" -ne 0
+check "a missing DLL is named" grep -q "cannot load VelHal.dll" <<<"$err"
+
+exit $((failures > 0))
