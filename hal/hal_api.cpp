@@ -2,6 +2,7 @@
 #include "hal/hal_api.h"
 
 #include "hal/class_dispatch.h"
+#include "platform/boundary.h"
 
 namespace {
 
@@ -13,13 +14,11 @@ using velhal::hal::FindClassModule;
 template <class Operation, class... Args>
 uint32_t Route(HalDeviceClass device_class, Operation ClassModule::*operation,
                Args&&... args) noexcept {
-  try {
+  return velhal::CallGuarded(0u, [&]() -> uint32_t {
     const ClassModule* module = FindClassModule(device_class);
     if (module == nullptr || module->*operation == nullptr) return 0;
     return (module->*operation)(static_cast<Args&&>(args)...);
-  } catch (...) {
-    return 0;
-  }
+  });
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <array>
 #include <cwchar>
 
+#include "platform/boundary.h"
 #include "platform/os/registry.h"
 #include "platform/unique_resource.h"
 
@@ -65,7 +66,7 @@ bool WriteString(const std::wstring& key, const std::wstring& value_name, DWORD 
 bool ReadReg::ReadLocalMachineRegDW(const std::wstring& key, const std::wstring& valueName,
                                     unsigned long& value) {
   value = 0;
-  try {
+  return velhal::CallGuarded(false, [&] {
     const velhal::UniqueRegistryKey opened = OpenLocalMachineKey(key, kReadAccess);
     if (!opened.IsValid()) return false;
     DWORD type = REG_DWORD;  // the type reported back is not checked
@@ -78,56 +79,36 @@ bool ReadReg::ReadLocalMachineRegDW(const std::wstring& key, const std::wstring&
     }
     value = data;
     return true;
-  } catch (...) {
-    return false;
-  }
+  });
 }
 
 bool ReadReg::ReadLocalMachineRegRZ(const std::wstring& key, const std::wstring& valueName,
                                     std::wstring& value) {
-  try {
-    return ReadString(key, valueName, REG_SZ, value);
-  } catch (...) {
-    value.clear();
-    return false;
-  }
+  return velhal::CallGuarded(false, [&] { return ReadString(key, valueName, REG_SZ, value); });
 }
 
 bool ReadReg::ReadLocalMachineRegExpandRZ(const std::wstring& key, const std::wstring& valueName,
                                           std::wstring& value) {
-  try {
-    return ReadString(key, valueName, REG_EXPAND_SZ, value);
-  } catch (...) {
-    value.clear();
-    return false;
-  }
+  return velhal::CallGuarded(false,
+                             [&] { return ReadString(key, valueName, REG_EXPAND_SZ, value); });
 }
 
 bool ReadReg::WrightLocalMachineRegDW(const std::wstring& key, const std::wstring& valueName,
                                       unsigned long value) {
-  try {
+  return velhal::CallGuarded(false, [&] {
     const DWORD data = value;
     return WriteValue(key, valueName, REG_DWORD, &data, sizeof(data));
-  } catch (...) {
-    return false;
-  }
+  });
 }
 
 bool ReadReg::WriteLocalMachineRegRZ(const std::wstring& key, const std::wstring& valueName,
                                      const std::wstring& value) {
-  try {
-    return WriteString(key, valueName, REG_SZ, value);
-  } catch (...) {
-    return false;
-  }
+  return velhal::CallGuarded(false, [&] { return WriteString(key, valueName, REG_SZ, value); });
 }
 
 bool ReadReg::WrightLocalMachineRegExpandRZ(const std::wstring& key,
                                             const std::wstring& valueName,
                                             const std::wstring& value) {
-  try {
-    return WriteString(key, valueName, REG_EXPAND_SZ, value);
-  } catch (...) {
-    return false;
-  }
+  return velhal::CallGuarded(false,
+                             [&] { return WriteString(key, valueName, REG_EXPAND_SZ, value); });
 }
