@@ -1,0 +1,203 @@
+#include "platform/wmi_engine.h"
+
+#include <oleauto.h>
+#include <wbemcli.h>
+
+#include <utility>
+#include <vector>
+
+#include "platform/com_ptr.h"
+#include "platform/os/com.h"
+
+namespace velhal::wmi {
+namespace {
+
+constexpr HRESULT kTimedOut = static_cast<HRESULT>(WBEM_E_TIMED_OUT);
+
+// Uses the thread's COM apartment; initialises one only where the thread has none.
+class Apartment {
+ public:
+  Apartment() noexcept {
+    APTTYPE type{};
+    APTTYPEQUALIFIER qualifier{};
+    const HRESULT current = os::com().CoGetApartmentType(&type, &qualifier);
+    if (SUCCEEDED(current)) {
+      status_ = S_OK;  // the host's apartment (or the process's implicit MTA) serves
+      return;
+    }
+    const HRESULT init = os::com().CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    initialised_ = SUCCEEDED(init);  // S_OK or S_FALSE: both need one CoUninitialize
+    // RPC_E_CHANGED_MODE: the thread is already in an STA, which serves; nothing to undo.
+    status_ = initialised_ || init == RPC_E_CHANGED_MODE ? S_OK : init;
+  }
+  ~Apartment() {
+    if (initialised_) os::com().CoUninitialize();
+  }
+  Apartment(const Apartment&) = delete;
+  Apartment& operator=(const Apartment&) = delete;
+
+  HRESULT status() const noexcept { return status_; }
+
+ private:
+  HRESULT status_ = E_UNEXPECTED;
+  bool initialised_ = false;
+};
+
+class Bstr {
+ public:
+  explicit Bstr(const std::wstring& text)
+      : value_(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
+  ~Bstr() { ::SysFreeString(value_); }
+  Bstr(const Bstr&) = delete;
+  Bstr& operator=(const Bstr&) = delete;
+  BSTR get() const noexcept { return value_; }
+
+ private:
+  BSTR value_;
+};
+
+class Variant {
+ public:
+  Variant() noexcept { ::VariantInit(&value_); }
+  ~Variant() { ::VariantClear(&value_); }
+  Variant(const Variant&) = delete;
+  Variant& operator=(const Variant&) = delete;
+  VARIANT* get() noexcept { return &value_; }
+
+ private:
+  VARIANT value_;
+};
+
+bool SameNamespace(const std::wstring& a, const std::wstring& b) {
+  return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(),
+                                static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
+}
+
+thread_local SessionScope::State* t_session = nullptr;
+
+}  // namespace
+
+struct SessionScope::State {
+  Apartment apartment;  // declared first: released last, after every COM pointer below
+  ComPtr<IWbemLocator> locator;
+  std::vector<std::pair<std::wstring, ComPtr<IWbemServices>>> connections;
+
+  HRESULT Connect(const std::wstring& name_space, ComPtr<IWbemServices>& services) {
+    for (const auto& [connected, kept] : connections) {
+      if (SameNamespace(connected, name_space)) {
+        services = kept;
+        return S_OK;
+      }
+    }
+    if (!locator) {
+      const HRESULT hr = os::com().CoCreateInstance(CLSID_WbemLocator, nullptr,
+                                                    CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                                                    locator.PutVoid());
+      if (FAILED(hr)) return hr;
+      if (!locator) return E_POINTER;
+    }
+    const Bstr path(name_space);
+    if (path.get() == nullptr) return E_OUTOFMEMORY;
+    // USE_MAX_WAIT bounds the connection attempt itself (two minutes at most by contract).
+    HRESULT hr = locator->ConnectServer(path.get(), nullptr, nullptr, nullptr,
+                                        WBEM_FLAG_CONNECT_USE_MAX_WAIT, nullptr, nullptr,
+                                        services.Put());
+    if (FAILED(hr)) return hr;
+    if (!services) return E_POINTER;
+    hr = os::com().CoSetProxyBlanket(services.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE,
+                                     nullptr, RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE,
+                                     nullptr, EOAC_NONE);
+    // E_NOINTERFACE: an in-process provider, no proxy to secure.
+    if (FAILED(hr) && hr != E_NOINTERFACE) return hr;
+    connections.emplace_back(name_space, services);
+    return S_OK;
+  }
+};
+
+SessionScope::SessionScope() {
+  if (t_session == nullptr) {
+    owned_ = std::make_unique<State>();
+    t_session = owned_.get();
+  }
+}
+
+SessionScope::~SessionScope() {
+  if (owned_) t_session = nullptr;
+}
+
+namespace {
+
+// Walks the enumerator until it ends, the deadline passes or (first_only) one object was seen.
+HRESULT WalkRows(IEnumWbemClassObject* rows, const std::wstring& property, bool first_only,
+                 const os::Wmi::ValueCallback& on_value) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point deadline = Clock::now() + kQueryTimeout;
+  for (;;) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    if (left <= 0) return kTimedOut;
+    ComPtr<IWbemClassObject> object;
+    ULONG returned = 0;
+    const HRESULT hr = rows->Next(static_cast<LONG>(left), 1, object.Put(), &returned);
+    if (hr == WBEM_S_TIMEDOUT) return kTimedOut;
+    if (FAILED(hr)) return hr;
+    if (returned == 0 || !object) return S_OK;  // WBEM_S_FALSE: no more rows
+
+    Variant value;
+    CIMTYPE type = CIM_EMPTY;
+    const HRESULT got = object->Get(property.c_str(), 0, value.get(), &type, nullptr);
+    if (FAILED(got)) return got;
+    // WMI hands uint32 over as VT_I4; mark it unsigned so that no reader sees it negative.
+    if (type == CIM_UINT32 && V_VT(value.get()) == VT_I4) V_VT(value.get()) = VT_UI4;
+    on_value(*value.get());
+    if (first_only) return S_OK;
+  }
+}
+
+}  // namespace
+
+HRESULT RunQuery(const std::wstring& name_space, const std::wstring& wql,
+                 const std::wstring& property, bool first_only,
+                 const os::Wmi::ValueCallback& on_value) {
+  const SessionScope scope;  // outside any caller's scope, this query connects for itself
+  SessionScope::State& session = *t_session;
+  if (FAILED(session.apartment.status())) return session.apartment.status();
+
+  ComPtr<IWbemServices> services;
+  HRESULT hr = session.Connect(name_space, services);
+  if (FAILED(hr)) return hr;
+
+  const Bstr language(L"WQL");
+  const Bstr query(wql);
+  if (language.get() == nullptr || query.get() == nullptr) return E_OUTOFMEMORY;
+  ComPtr<IEnumWbemClassObject> rows;
+  hr = services->ExecQuery(language.get(), query.get(),
+                           WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
+                           rows.Put());
+  if (FAILED(hr)) return hr;
+  if (!rows) return E_POINTER;
+  return WalkRows(rows.Get(), property, first_only, on_value);
+}
+
+}  // namespace velhal::wmi
+
+namespace velhal::os {
+namespace {
+
+class Engine final : public Wmi {
+ public:
+  HRESULT ExecQuery(const std::wstring& name_space, const std::wstring& wql,
+                    const std::wstring& property, bool first_only,
+                    const ValueCallback& on_value) override {
+    return wmi::RunQuery(name_space, wql, property, first_only, on_value);
+  }
+};
+
+}  // namespace
+
+Wmi& Wmi::Real() noexcept {
+  static Engine engine;
+  return engine;
+}
+
+}  // namespace velhal::os

@@ -1,0 +1,90 @@
+#include "platform/win32.h"
+
+#include "platform/wmi_query.h"
+
+#include <oaidl.h>
+
+#include "platform/boundary.h"
+#include "platform/os/wmi.h"
+#include "platform/wmi_variant.h"
+
+namespace VelSDK {
+namespace {
+
+constexpr int kNoValue = -15;  // the query ran but produced no value
+
+}  // namespace
+
+WmiQuery::WmiQuery(const std::wstring& nameSpace) : nameSpace_(nameSpace) {}
+
+WmiQuery::~WmiQuery() = default;
+
+int WmiQuery::ExcuteQueryImpl(const std::wstring& query, const std::wstring& property, bool flag,
+                              const std::function<void(tagVARIANT&)>& onValue) const {
+  return static_cast<int>(velhal::os::wmi().ExecQuery(nameSpace_, query, property, flag, onValue));
+}
+
+void WmiQuery::GetResult(tagVARIANT& value, std::vector<std::wstring>& values) {
+  velhal::wmi::AppendText(value, values);
+}
+
+void WmiQuery::GetResult(tagVARIANT& value, std::vector<unsigned int>& values) {
+  velhal::wmi::AppendUInt32(value, values);
+}
+
+void WmiQuery::GetResult(tagVARIANT& value, std::vector<unsigned char>& values) {
+  velhal::wmi::AppendBytes(value, values);
+}
+
+template <class T>
+int WmiQuery::ExcuteQuery(const std::wstring& query, const std::wstring& property,
+                          std::vector<T>& values, bool flag) {
+  return velhal::CallGuarded(static_cast<int>(E_OUTOFMEMORY), [&] {
+    values.clear();
+    const int result = ExcuteQueryImpl(query, property, flag,
+                                       [&values](tagVARIANT& value) { GetResult(value, values); });
+    if (result != 0) return result;  // what was appended before the failure stays
+    return values.empty() ? kNoValue : 0;
+  });
+}
+
+template VELHAL_API int WmiQuery::ExcuteQuery<std::wstring>(const std::wstring&,
+                                                             const std::wstring&,
+                                                             std::vector<std::wstring>&, bool);
+template VELHAL_API int WmiQuery::ExcuteQuery<unsigned int>(const std::wstring&,
+                                                             const std::wstring&,
+                                                             std::vector<unsigned int>&, bool);
+template VELHAL_API int WmiQuery::ExcuteQuery<unsigned char>(const std::wstring&,
+                                                              const std::wstring&,
+                                                              std::vector<unsigned char>&, bool);
+
+}  // namespace VelSDK
+
+int WmiQueryFirstString(const std::wstring& nameSpace, const std::wstring& query,
+                        const std::wstring& property, std::wstring& out) {
+  return velhal::CallGuarded(0, [&] {
+    const VelSDK::WmiQuery wmi(nameSpace);
+    std::vector<std::wstring> values;
+    const int result = wmi.ExcuteQueryImpl(
+        query, property, true,
+        [&values](tagVARIANT& value) { VelSDK::WmiQuery::GetResult(value, values); });
+    if (result != 0 || values.empty()) return 0;
+    out = std::move(values.front());
+    return 1;
+  });
+}
+
+int WmiQueryFirstUInt(const std::wstring& nameSpace, const std::wstring& query,
+                      const std::wstring& property, unsigned int* out) {
+  if (out == nullptr) return 0;
+  return velhal::CallGuarded(0, [&] {
+    const VelSDK::WmiQuery wmi(nameSpace);
+    std::vector<unsigned int> values;
+    const int result = wmi.ExcuteQueryImpl(
+        query, property, true,
+        [&values](tagVARIANT& value) { VelSDK::WmiQuery::GetResult(value, values); });
+    if (result != 0 || values.empty()) return 0;
+    *out = values.front();
+    return 1;
+  });
+}

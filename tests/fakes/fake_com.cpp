@@ -1,0 +1,256 @@
+#include "tests/fakes/fake_com.h"
+
+#include <cwctype>
+
+namespace velhal::testing {
+namespace {
+
+bool EqualsIgnoringCase(const std::wstring& a, const std::wstring& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (std::towlower(a[i]) != std::towlower(b[i])) return false;
+  }
+  return true;
+}
+
+// Reference counting shared by the fake objects, reported to the FakeCom.
+template <class Interface>
+class FakeObject : public Interface {
+ public:
+  explicit FakeObject(FakeCom& com) : com_(com) { ++com_.live_objects; }
+  virtual ~FakeObject() { --com_.live_objects; }
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    if (iid == __uuidof(IUnknown) || iid == __uuidof(Interface)) {
+      *out = static_cast<Interface*>(this);
+      AddRef();
+      return S_OK;
+    }
+    *out = nullptr;
+    return E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    com_.RequireApartment("Release");
+    if (references_ == 0) {
+      com_.violations.push_back("Release of a released object");
+      return 0;
+    }
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ protected:
+  FakeCom& com_;
+
+ private:
+  ULONG references_ = 1;
+};
+
+class FakeClassObject final : public FakeObject<IWbemClassObject> {
+ public:
+  FakeClassObject(FakeCom& com, const FakeCom::Row& row) : FakeObject(com), row_(row) {}
+
+  HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type,
+                                LONG*) override {
+    com_.RequireApartment("IWbemClassObject::Get");
+    for (const auto& [property, cell] : row_) {
+      if (name != nullptr && EqualsIgnoringCase(property, name)) {
+        if (value != nullptr) cell.ToVariant(value);
+        if (type != nullptr) *type = cell.cim;
+        return S_OK;
+      }
+    }
+    return WBEM_E_NOT_FOUND;
+  }
+
+  HRESULT STDMETHODCALLTYPE GetQualifierSet(IWbemQualifierSet**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Put(LPCWSTR, LONG, VARIANT*, CIMTYPE) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Delete(LPCWSTR) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetNames(LPCWSTR, LONG, VARIANT*, SAFEARRAY**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE BeginEnumeration(LONG) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Next(LONG, BSTR*, VARIANT*, CIMTYPE*, LONG*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE EndEnumeration() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetPropertyQualifierSet(LPCWSTR, IWbemQualifierSet**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Clone(IWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetObjectText(LONG, BSTR*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SpawnDerivedClass(LONG, IWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SpawnInstance(LONG, IWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CompareTo(LONG, IWbemClassObject*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetPropertyOrigin(LPCWSTR, BSTR*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE InheritsFrom(LPCWSTR) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR, LONG, IWbemClassObject**, IWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE PutMethod(LPCWSTR, LONG, IWbemClassObject*, IWbemClassObject*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DeleteMethod(LPCWSTR) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE BeginMethodEnumeration(LONG) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE NextMethod(LONG, BSTR*, IWbemClassObject**, IWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE EndMethodEnumeration() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetMethodQualifierSet(LPCWSTR, IWbemQualifierSet**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetMethodOrigin(LPCWSTR, BSTR*) override { return E_NOTIMPL; }
+
+ private:
+  const FakeCom::Row& row_;
+};
+
+class FakeEnumerator final : public FakeObject<IEnumWbemClassObject> {
+ public:
+  FakeEnumerator(FakeCom& com, const FakeCom::Query& query) : FakeObject(com), query_(query) {}
+
+  HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
+                                 ULONG* returned) override {
+    com_.RequireApartment("IEnumWbemClassObject::Next");
+    com_.next_timeouts.push_back(timeout);
+    if (count != 1 || objects == nullptr || returned == nullptr) return WBEM_E_INVALID_PARAMETER;
+    *returned = 0;
+    if (next_ < query_.rows.size()) {
+      *objects = new FakeClassObject(com_, query_.rows[next_++]);
+      *returned = 1;
+      return WBEM_S_NO_ERROR;
+    }
+    return query_.stall_after_rows ? WBEM_S_TIMEDOUT : WBEM_S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE NextAsync(ULONG, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Clone(IEnumWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Skip(LONG, ULONG) override { return E_NOTIMPL; }
+
+ private:
+  const FakeCom::Query& query_;
+  size_t next_ = 0;
+};
+
+class FakeServices final : public FakeObject<IWbemServices> {
+ public:
+  using FakeObject::FakeObject;
+
+  HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags,
+                                      IWbemContext*, IEnumWbemClassObject** rows) override {
+    com_.RequireApartment("IWbemServices::ExecQuery");
+    com_.languages.emplace_back(language ? language : L"");
+    com_.exec_flags.push_back(flags);
+    if (rows == nullptr) return WBEM_E_INVALID_PARAMETER;
+    *rows = nullptr;
+    const FakeCom::Query* found = com_.FindQuery(query ? query : L"");
+    if (found == nullptr) return WBEM_E_INVALID_QUERY;
+    if (FAILED(found->exec_result)) return found->exec_result;
+    *rows = new FakeEnumerator(com_, *found);
+    return WBEM_S_NO_ERROR;
+  }
+
+  HRESULT STDMETHODCALLTYPE OpenNamespace(const BSTR, LONG, IWbemContext*, IWbemServices**, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CancelAsyncCall(IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE QueryObjectSink(LONG, IWbemObjectSink**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetObject(const BSTR, LONG, IWbemContext*, IWbemClassObject**, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetObjectAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE PutClass(IWbemClassObject*, LONG, IWbemContext*, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE PutClassAsync(IWbemClassObject*, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DeleteClass(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DeleteClassAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CreateClassEnum(const BSTR, LONG, IWbemContext*, IEnumWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CreateClassEnumAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject*, LONG, IWbemContext*, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE PutInstanceAsync(IWbemClassObject*, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DeleteInstance(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DeleteInstanceAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR, LONG, IWbemContext*, IEnumWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext*, IEnumWbemClassObject**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ExecNotificationQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR, const BSTR, LONG, IWbemContext*, IWbemClassObject*, IWbemClassObject**, IWbemCallResult**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ExecMethodAsync(const BSTR, const BSTR, LONG, IWbemContext*, IWbemClassObject*, IWbemObjectSink*) override { return E_NOTIMPL; }
+};
+
+class FakeLocator final : public FakeObject<IWbemLocator> {
+ public:
+  using FakeObject::FakeObject;
+
+  HRESULT STDMETHODCALLTYPE ConnectServer(const BSTR name_space, const BSTR, const BSTR,
+                                          const BSTR, LONG flags, const BSTR, IWbemContext*,
+                                          IWbemServices** services) override {
+    com_.RequireApartment("IWbemLocator::ConnectServer");
+    com_.connect_flags.push_back(flags);
+    if (services == nullptr) return WBEM_E_INVALID_PARAMETER;
+    *services = nullptr;
+    if (!com_.KnowsNamespace(name_space ? name_space : L"")) return WBEM_E_INVALID_NAMESPACE;
+    ++com_.connections;
+    *services = new FakeServices(com_);
+    return WBEM_S_NO_ERROR;
+  }
+};
+
+}  // namespace
+
+void FakeCom::RequireApartment(const char* call) {
+  if (apartment_ == Apartment::kNone) violations.push_back(std::string(call) + " outside COM");
+}
+
+bool FakeCom::KnowsNamespace(const std::wstring& name_space) const {
+  for (const std::wstring& known : namespaces_) {
+    if (EqualsIgnoringCase(known, name_space)) return true;
+  }
+  return false;
+}
+
+const FakeCom::Query* FakeCom::FindQuery(const std::wstring& wql) const {
+  const auto found = queries_.find(wql);
+  return found == queries_.end() ? nullptr : &found->second;
+}
+
+HRESULT FakeCom::CoGetApartmentType(APTTYPE* type, APTTYPEQUALIFIER* qualifier) {
+  if (type == nullptr || qualifier == nullptr) return E_INVALIDARG;
+  if (apartment_query_fails_) return E_FAIL;
+  if (apartment_ == Apartment::kNone) return CO_E_NOTINITIALIZED;
+  *type = apartment_ == Apartment::kMta ? APTTYPE_MTA : APTTYPE_STA;
+  *qualifier = APTTYPEQUALIFIER_NONE;
+  return S_OK;
+}
+
+HRESULT FakeCom::CoInitializeEx(void*, DWORD model) {
+  ++initialize_calls;
+  if (FAILED(init_failure_)) return init_failure_;
+  const Apartment wanted =
+      (model & COINIT_APARTMENTTHREADED) ? Apartment::kSta : Apartment::kMta;
+  if (apartment_ != Apartment::kNone && apartment_ != wanted) return RPC_E_CHANGED_MODE;
+  const bool first = init_count_ == 0;
+  apartment_ = wanted;
+  ++init_count_;
+  return first ? S_OK : S_FALSE;
+}
+
+void FakeCom::CoUninitialize() {
+  ++uninitialize_calls;
+  if (init_count_ <= host_inits_) {
+    violations.push_back("CoUninitialize without a matching CoInitializeEx");
+    return;
+  }
+  if (--init_count_ == 0) {
+    if (live_objects != 0) violations.push_back("COM objects alive at CoUninitialize");
+    apartment_ = Apartment::kNone;
+  }
+}
+
+HRESULT FakeCom::CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD, REFIID iid,
+                                  void** object) {
+  RequireApartment("CoCreateInstance");
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+  if (clsid != CLSID_WbemLocator) return REGDB_E_CLASSNOTREG;
+  if (iid != IID_IWbemLocator) return E_NOINTERFACE;
+  ++locators_created;
+  *object = static_cast<IWbemLocator*>(new FakeLocator(*this));
+  return S_OK;
+}
+
+HRESULT FakeCom::CoSetProxyBlanket(IUnknown* proxy, DWORD, DWORD, OLECHAR*, DWORD, DWORD,
+                                   RPC_AUTH_IDENTITY_HANDLE, DWORD) {
+  RequireApartment("CoSetProxyBlanket");
+  if (proxy == nullptr) return E_INVALIDARG;
+  ++blankets_set;
+  return S_OK;
+}
+
+}  // namespace velhal::testing

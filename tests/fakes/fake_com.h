@@ -1,0 +1,78 @@
+// A COM world for the WMI engine's own tests: apartments with init counts, and a WMI locator
+// whose services, enumerators and objects serve scripted rows. Every object counts its
+// references; the fake notes a leak, a release too many, a call outside an apartment and an
+// object still alive when the thread's COM is uninitialised.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <wbemcli.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/os/com.h"
+#include "tests/fakes/fake_variant.h"
+
+namespace velhal::testing {
+
+class FakeCom final : public os::Com {
+ public:
+  enum class Apartment { kNone, kMta, kSta };
+  using Row = std::map<std::wstring, FakeValue>;  // property (any case) -> value
+
+  struct Query {
+    HRESULT exec_result = S_OK;
+    std::vector<Row> rows;
+    bool stall_after_rows = false;  // Next times out instead of ending
+  };
+
+  // A thread given an apartment got it from the host, whose initialisation is never undone.
+  explicit FakeCom(Apartment apartment = Apartment::kNone)
+      : apartment_(apartment), host_inits_(apartment == Apartment::kNone ? 0 : 1),
+        init_count_(host_inits_) {}
+
+  void AddNamespace(const std::wstring& name_space) { namespaces_.push_back(name_space); }
+  void AddQuery(const std::wstring& wql, Query query) { queries_[wql] = std::move(query); }
+  void FailInitialize(HRESULT result) { init_failure_ = result; }
+  void FailApartmentQuery() { apartment_query_fails_ = true; }
+
+  // What happened.
+  int initialize_calls = 0;
+  int uninitialize_calls = 0;
+  int locators_created = 0;
+  int connections = 0;
+  int blankets_set = 0;
+  std::vector<LONG> connect_flags;
+  std::vector<LONG> exec_flags;
+  std::vector<std::wstring> languages;
+  std::vector<LONG> next_timeouts;
+  int live_objects = 0;
+  std::vector<std::string> violations;  // must stay empty
+
+  HRESULT CoGetApartmentType(APTTYPE* type, APTTYPEQUALIFIER* qualifier) override;
+  HRESULT CoInitializeEx(void* reserved, DWORD model) override;
+  void CoUninitialize() override;
+  HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
+                           void** object) override;
+  HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service,
+                            OLECHAR* server_principal, DWORD authn_level, DWORD imp_level,
+                            RPC_AUTH_IDENTITY_HANDLE auth_info, DWORD capabilities) override;
+
+  // Used by the fake objects.
+  void RequireApartment(const char* call);
+  bool KnowsNamespace(const std::wstring& name_space) const;
+  const Query* FindQuery(const std::wstring& wql) const;
+
+ private:
+  Apartment apartment_;
+  int host_inits_;
+  int init_count_;  // CoInitializeEx successes not yet balanced, the host's included
+  HRESULT init_failure_ = S_OK;
+  bool apartment_query_fails_ = false;
+  std::vector<std::wstring> namespaces_;
+  std::map<std::wstring, Query> queries_;
+};
+
+}  // namespace velhal::testing

@@ -1,0 +1,180 @@
+#include "platform/wmi_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/wmi_variant.h"
+#include "tests/fakes/fake_com.h"
+
+namespace {
+
+using velhal::testing::FakeCom;
+using velhal::testing::FakeValue;
+using velhal::wmi::RunQuery;
+
+const std::wstring kCimV2 = L"ROOT\\CIMV2";
+const std::wstring kProcessors = L"SELECT Name FROM Win32_Processor";
+
+FakeCom::Row NameRow(const std::wstring& name) { return {{L"Name", FakeValue::Text(name)}}; }
+
+// Collects each handed-over value as text.
+struct Collector {
+  std::vector<std::wstring> values;
+  velhal::os::Wmi::ValueCallback callback() {
+    return [this](VARIANT& value) { velhal::wmi::AppendText(value, values); };
+  }
+};
+
+class WmiEngineTest : public ::testing::Test {
+ protected:
+  void Install(FakeCom& com) { backend_.emplace(com); }
+  void TearDown() override {
+    backend_.reset();
+  }
+  std::optional<velhal::os::ScopedBackend<velhal::os::Com>> backend_;
+};
+
+void ExpectClean(const FakeCom& com) {
+  EXPECT_EQ(com.live_objects, 0) << "a COM object leaked";
+  EXPECT_TRUE(com.violations.empty()) << com.violations.front();
+}
+
+TEST_F(WmiEngineTest, UsesTheThreadsApartmentAndInitialisesOnlyWhereThereIsNone) {
+  struct Case {
+    const char* name;
+    FakeCom::Apartment apartment;
+    bool apartment_query_fails;
+    HRESULT init_failure;
+    int expected_inits, expected_uninits;
+    HRESULT expected_result;
+  };
+  const Case cases[] = {
+      {"no apartment", FakeCom::Apartment::kNone, false, S_OK, 1, 1, S_OK},
+      {"host's MTA", FakeCom::Apartment::kMta, false, S_OK, 0, 0, S_OK},
+      {"host's STA", FakeCom::Apartment::kSta, false, S_OK, 0, 0, S_OK},
+      // An STA the apartment query cannot report: CoInitializeEx says RPC_E_CHANGED_MODE,
+      // the STA serves, and nothing is uninitialised.
+      {"STA, query fails", FakeCom::Apartment::kSta, true, S_OK, 1, 0, S_OK},
+      {"MTA, query fails", FakeCom::Apartment::kMta, true, S_OK, 1, 1, S_OK},
+      {"init fails", FakeCom::Apartment::kNone, false, E_OUTOFMEMORY, 1, 0, E_OUTOFMEMORY},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    FakeCom com(c.apartment);
+    com.AddNamespace(kCimV2);
+    com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
+    if (c.init_failure != S_OK) com.FailInitialize(c.init_failure);
+    if (c.apartment_query_fails) com.FailApartmentQuery();
+    Install(com);
+    Collector out;
+    EXPECT_EQ(RunQuery(kCimV2, kProcessors, L"Name", false, out.callback()), c.expected_result);
+    backend_.reset();
+    EXPECT_EQ(com.initialize_calls, c.expected_inits);
+    EXPECT_EQ(com.uninitialize_calls, c.expected_uninits);
+    if (SUCCEEDED(c.expected_result)) {
+      EXPECT_EQ(out.values, std::vector<std::wstring>{L"CPU"});
+    } else {
+      EXPECT_EQ(com.locators_created, 0);
+    }
+    ExpectClean(com);
+  }
+}
+
+TEST_F(WmiEngineTest, HandsOverEveryRowInOrderOrOnlyTheFirst) {
+  FakeCom com(FakeCom::Apartment::kMta);
+  com.AddNamespace(kCimV2);
+  com.AddQuery(kProcessors, {S_OK, {NameRow(L"a"), NameRow(L"b"), NameRow(L"c")}});
+  com.AddQuery(L"SELECT Size FROM Win32_DiskDrive",
+               {S_OK, {{{L"Size", FakeValue::UInt32(0xFFFFFFF0)}}, {{L"Other", FakeValue::Text(L"x")}}}});
+  Install(com);
+
+  Collector all;
+  EXPECT_EQ(RunQuery(kCimV2, kProcessors, L"name", false, all.callback()), S_OK);
+  EXPECT_EQ(all.values, (std::vector<std::wstring>{L"a", L"b", L"c"}));
+
+  Collector first;
+  EXPECT_EQ(RunQuery(kCimV2, kProcessors, L"Name", true, first.callback()), S_OK);
+  EXPECT_EQ(first.values, std::vector<std::wstring>{L"a"});
+
+  // uint32 arrives as VT_I4 and is handed over unsigned; a row without the property fails the
+  // query after the rows before it were handed over.
+  Collector sizes;
+  EXPECT_EQ(RunQuery(kCimV2, L"SELECT Size FROM Win32_DiskDrive", L"Size", false,
+                     sizes.callback()),
+            static_cast<HRESULT>(WBEM_E_NOT_FOUND));
+  EXPECT_EQ(sizes.values, std::vector<std::wstring>{L"4294967280"});
+
+  // Forward-only, semi-synchronous WQL; the connection attempt is bounded too.
+  for (LONG flags : com.exec_flags) {
+    EXPECT_EQ(flags, WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY);
+  }
+  for (const std::wstring& language : com.languages) EXPECT_EQ(language, L"WQL");
+  for (LONG flags : com.connect_flags) EXPECT_EQ(flags, WBEM_FLAG_CONNECT_USE_MAX_WAIT);
+  backend_.reset();
+  ExpectClean(com);
+}
+
+TEST_F(WmiEngineTest, ReportsFailuresAndTimeouts) {
+  FakeCom com(FakeCom::Apartment::kNone);
+  com.AddNamespace(kCimV2);
+  com.AddQuery(L"SELECT Name FROM Win32_Stalled", {S_OK, {NameRow(L"early")}, true});
+  com.AddQuery(L"SELECT Name FROM Win32_Broken", {static_cast<HRESULT>(WBEM_E_INVALID_CLASS), {}});
+  Install(com);
+
+  Collector stalled;
+  EXPECT_EQ(RunQuery(kCimV2, L"SELECT Name FROM Win32_Stalled", L"Name", false,
+                     stalled.callback()),
+            static_cast<HRESULT>(WBEM_E_TIMED_OUT));
+  EXPECT_EQ(stalled.values, std::vector<std::wstring>{L"early"});
+  // Each wait is bounded, never WBEM_INFINITE, and never longer than the query's budget.
+  ASSERT_FALSE(com.next_timeouts.empty());
+  for (LONG timeout : com.next_timeouts) {
+    EXPECT_GT(timeout, 0);
+    EXPECT_LE(timeout, velhal::wmi::kQueryTimeout.count());
+  }
+
+  Collector none;
+  EXPECT_EQ(RunQuery(kCimV2, L"SELECT Name FROM Win32_Broken", L"Name", false, none.callback()),
+            static_cast<HRESULT>(WBEM_E_INVALID_CLASS));
+  EXPECT_EQ(RunQuery(L"ROOT\\Nowhere", kProcessors, L"Name", false, none.callback()),
+            static_cast<HRESULT>(WBEM_E_INVALID_NAMESPACE));
+  EXPECT_TRUE(none.values.empty());
+  backend_.reset();
+  EXPECT_EQ(com.initialize_calls, com.uninitialize_calls);
+  ExpectClean(com);
+}
+
+TEST_F(WmiEngineTest, ASessionScopeSharesOneConnectionPerNamespace) {
+  FakeCom com(FakeCom::Apartment::kNone);
+  com.AddNamespace(kCimV2);
+  com.AddNamespace(L"ROOT\\WMI");
+  com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
+  Install(com);
+
+  Collector out;
+  for (int i = 0; i < 3; ++i) RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
+  EXPECT_EQ(com.connections, 3);  // no scope: each query connects for itself
+  EXPECT_EQ(com.initialize_calls, 3);
+
+  {
+    const velhal::wmi::SessionScope scope;
+    const velhal::wmi::SessionScope nested;  // an inner scope changes nothing
+    for (int i = 0; i < 3; ++i) RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
+    RunQuery(L"root\\cimv2", kProcessors, L"Name", false, out.callback());
+    RunQuery(L"ROOT\\WMI", kProcessors, L"Name", false, out.callback());
+    EXPECT_EQ(com.connections, 3 + 2);
+    EXPECT_EQ(com.locators_created, 3 + 1);
+    EXPECT_EQ(com.initialize_calls, 3 + 1);  // COM stays up for the whole scope
+    EXPECT_GT(com.live_objects, 0);
+  }
+  // Everything is released when the scope ends, before COM is uninitialised.
+  EXPECT_EQ(out.values.size(), 8u);
+  EXPECT_EQ(com.blankets_set, com.connections);
+  EXPECT_EQ(com.initialize_calls, com.uninitialize_calls);
+  backend_.reset();
+  ExpectClean(com);
+}
+
+}  // namespace
