@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/win32.h"
+#include "platform/os/device_database.h"
 #include "platform/os/registry.h"
 
 namespace velhal {
@@ -57,5 +58,15 @@ struct RegistryKeyTraits {
 };
 // Never adopt a predefined root such as HKEY_LOCAL_MACHINE: it would be closed.
 using UniqueRegistryKey = UniqueResource<RegistryKeyTraits>;
+
+struct DeviceInfoSetTraits {
+  using Handle = HDEVINFO;
+  static HDEVINFO Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+  static bool IsValid(HDEVINFO set) noexcept {
+    return set != INVALID_HANDLE_VALUE && set != nullptr;
+  }
+  static void Close(HDEVINFO set) noexcept { os::device_database().SetupDiDestroyDeviceInfoList(set); }
+};
+using UniqueDeviceInfoSet = UniqueResource<DeviceInfoSetTraits>;
 
 }  // namespace velhal

@@ -3,6 +3,7 @@
 
 #include "platform/os/com.h"
 #include "platform/os/debug_output.h"
+#include "platform/os/device_database.h"
 #include "platform/os/registry.h"
 
 namespace velhal::os {
@@ -51,7 +52,59 @@ class RealCom final : public Com {
   }
 };
 
+class RealDeviceDatabase final : public DeviceDatabase {
+ public:
+  HDEVINFO SetupDiGetClassDevsW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
+                                DWORD flags) override {
+    return ::SetupDiGetClassDevsW(class_guid, enumerator, parent, flags);
+  }
+  BOOL SetupDiEnumDeviceInfo(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device) override {
+    return ::SetupDiEnumDeviceInfo(set, index, device);
+  }
+  BOOL SetupDiGetDevicePropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, const DEVPROPKEY* key,
+                                 DEVPROPTYPE* type, BYTE* buffer, DWORD buffer_size,
+                                 DWORD* required_size, DWORD flags) override {
+    return ::SetupDiGetDevicePropertyW(set, device, key, type, buffer, buffer_size,
+                                       required_size, flags);
+  }
+  BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) override {
+    return ::SetupDiDestroyDeviceInfoList(set);
+  }
+  BOOL SetupDiRemoveDevice(HDEVINFO set, SP_DEVINFO_DATA* device) override {
+    return ::SetupDiRemoveDevice(set, device);
+  }
+  BOOL SetupDiGetDeviceInfoListDetailW(HDEVINFO set,
+                                       SP_DEVINFO_LIST_DETAIL_DATA_W* detail) override {
+    return ::SetupDiGetDeviceInfoListDetailW(set, detail);
+  }
+  BOOL SetupDiSetClassInstallParamsW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                     SP_CLASSINSTALL_HEADER* params, DWORD size) override {
+    return ::SetupDiSetClassInstallParamsW(set, device, params, size);
+  }
+  BOOL SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO set,
+                                 SP_DEVINFO_DATA* device) override {
+    return ::SetupDiCallClassInstaller(function, set, device);
+  }
+  BOOL SetupDiGetDeviceInstallParamsW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                      SP_DEVINSTALL_PARAMS_W* params) override {
+    return ::SetupDiGetDeviceInstallParamsW(set, device, params);
+  }
+  CONFIGRET CM_Get_DevNode_Status(ULONG* status, ULONG* problem, DEVINST device,
+                                  ULONG flags) override {
+    return ::CM_Get_DevNode_Status(status, problem, device, flags);
+  }
+  CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
+                                 HMACHINE machine) override {
+    return ::CM_Get_Device_ID_ExW(device, buffer, length, flags, machine);
+  }
+};
+
 }  // namespace
+
+DeviceDatabase& DeviceDatabase::Real() noexcept {
+  static RealDeviceDatabase backend;
+  return backend;
+}
 
 Com& Com::Real() noexcept {
   static RealCom backend;

@@ -1,0 +1,234 @@
+#include "tests/fakes/fake_device_database.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/device_property_keys.h"
+
+namespace velhal::testing {
+namespace {
+
+bool SameKey(const DEVPROPKEY& a, const DEVPROPKEY& b) {
+  return a.pid == b.pid && IsEqualGUID(a.fmtid, b.fmtid);
+}
+
+std::vector<BYTE> Utf16(const std::vector<std::wstring>& texts, bool list) {
+  std::vector<BYTE> bytes;
+  for (const std::wstring& text : texts) {
+    const auto* data = reinterpret_cast<const BYTE*>(text.c_str());
+    bytes.insert(bytes.end(), data, data + (text.size() + 1) * sizeof(wchar_t));
+  }
+  if (list) bytes.insert(bytes.end(), {0, 0});
+  return bytes;
+}
+
+}  // namespace
+
+FakeDevice& FakeDevice::Set(const DEVPROPKEY& key, DEVPROPTYPE type, std::vector<BYTE> bytes) {
+  properties.emplace_back(key, Property{type, std::move(bytes)});
+  return *this;
+}
+
+FakeDevice& FakeDevice::String(const DEVPROPKEY& key, const std::wstring& text) {
+  return Set(key, DEVPROP_TYPE_STRING, Utf16({text}, false));
+}
+
+FakeDevice& FakeDevice::StringList(const DEVPROPKEY& key, const std::vector<std::wstring>& texts) {
+  return Set(key, DEVPROP_TYPE_STRING_LIST, Utf16(texts, true));
+}
+
+FakeDevice& FakeDevice::HardwareIds(const std::vector<std::wstring>& ids) {
+  return StringList(device_keys::kHardwareIds, ids);
+}
+
+FakeDevice& FakeDevice::Description(const std::wstring& text) {
+  return String(device_keys::kDeviceDesc, text);
+}
+
+FakeDevice& FakeDevice::UInt32(const DEVPROPKEY& key, uint32_t value) {
+  std::vector<BYTE> bytes(sizeof(value));
+  std::memcpy(bytes.data(), &value, sizeof(value));
+  return Set(key, DEVPROP_TYPE_UINT32, std::move(bytes));
+}
+
+const FakeDevice::Property* FakeDevice::Find(const DEVPROPKEY& key) const {
+  for (const auto& [k, property] : properties) {
+    if (SameKey(k, key)) return &property;
+  }
+  return nullptr;
+}
+
+FakeDevice& FakeDeviceDatabase::Add(const GUID& class_guid) {
+  devices.emplace_back();
+  devices.back().class_guid = class_guid;
+  devices.back().instance_id = L"FAKE\\DEVICE\\" + std::to_wstring(devices.size() - 1);
+  return devices.back();
+}
+
+BOOL FakeDeviceDatabase::Fail(DWORD error) {
+  ::SetLastError(error);
+  return FALSE;
+}
+
+const std::vector<size_t>* FakeDeviceDatabase::Members(HDEVINFO set) const {
+  const auto found = sets_.find(set);
+  return found == sets_.end() ? nullptr : &found->second;
+}
+
+// A record belongs to a set when the set handed it out: DevInst is the device index + 1 and
+// Reserved names the set, as SetupAPI keeps its own pointer there.
+FakeDevice* FakeDeviceDatabase::DeviceOf(HDEVINFO set, const SP_DEVINFO_DATA* device) {
+  const std::vector<size_t>* members = Members(set);
+  if (members == nullptr || device == nullptr || device->cbSize != sizeof(SP_DEVINFO_DATA) ||
+      device->Reserved != reinterpret_cast<ULONG_PTR>(set) || device->DevInst == 0) {
+    return nullptr;
+  }
+  const size_t index = device->DevInst - 1;
+  if (std::find(members->begin(), members->end(), index) == members->end()) return nullptr;
+  return &devices[index];
+}
+
+HDEVINFO FakeDeviceDatabase::SetupDiGetClassDevsW(const GUID* class_guid, const wchar_t*, HWND,
+                                                  DWORD flags) {
+  opens.push_back({class_guid ? std::optional<GUID>(*class_guid) : std::nullopt, flags});
+  const bool all_classes = (flags & DIGCF_ALLCLASSES) != 0;
+  if (!all_classes && class_guid == nullptr) {
+    ::SetLastError(ERROR_INVALID_PARAMETER);
+    return INVALID_HANDLE_VALUE;
+  }
+  std::vector<size_t> members;
+  for (size_t i = 0; i < devices.size(); ++i) {
+    if ((flags & DIGCF_PRESENT) && !devices[i].present) continue;
+    if (!all_classes && !IsEqualGUID(devices[i].class_guid, *class_guid)) continue;
+    members.push_back(i);
+  }
+  const HDEVINFO set = reinterpret_cast<HDEVINFO>(next_set_);
+  next_set_ += 0x10;
+  sets_[set] = std::move(members);
+  ++open_sets;
+  return set;
+}
+
+BOOL FakeDeviceDatabase::SetupDiEnumDeviceInfo(HDEVINFO set, DWORD index,
+                                               SP_DEVINFO_DATA* device) {
+  const std::vector<size_t>* members = Members(set);
+  if (members == nullptr) return Fail(ERROR_INVALID_HANDLE);
+  if (device == nullptr || device->cbSize != sizeof(SP_DEVINFO_DATA)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  if (index >= members->size()) return Fail(ERROR_NO_MORE_ITEMS);
+  const size_t which = (*members)[index];
+  device->ClassGuid = devices[which].class_guid;
+  device->DevInst = static_cast<DWORD>(which + 1);
+  device->Reserved = reinterpret_cast<ULONG_PTR>(set);
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiGetDevicePropertyW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                                   const DEVPROPKEY* key, DEVPROPTYPE* type,
+                                                   BYTE* buffer, DWORD buffer_size,
+                                                   DWORD* required_size, DWORD flags) {
+  if (Members(set) == nullptr) return Fail(ERROR_INVALID_HANDLE);
+  const FakeDevice* owner = DeviceOf(set, device);
+  if (owner == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (flags != 0) return Fail(ERROR_INVALID_FLAGS);
+  if (key == nullptr || type == nullptr || (buffer == nullptr && buffer_size != 0)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  const FakeDevice::Property* property = owner->Find(*key);
+  if (property == nullptr) return Fail(ERROR_NOT_FOUND);
+  const DWORD needed = static_cast<DWORD>(property->bytes.size());
+  *type = property->type;
+  if (required_size != nullptr) *required_size = needed;
+  if (buffer_size < needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
+  std::copy(property->bytes.begin(), property->bytes.end(), buffer);
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiDestroyDeviceInfoList(HDEVINFO set) {
+  if (sets_.erase(set) == 0) {
+    ++bad_destroys;
+    return Fail(ERROR_INVALID_HANDLE);
+  }
+  --open_sets;
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiRemoveDevice(HDEVINFO set, SP_DEVINFO_DATA* device) {
+  FakeDevice* target = DeviceOf(set, device);
+  if (target == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (target->remove_error != 0) return Fail(target->remove_error);
+  target->present = false;
+  removed.push_back(device->DevInst - 1);
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiGetDeviceInfoListDetailW(HDEVINFO set,
+                                                         SP_DEVINFO_LIST_DETAIL_DATA_W* detail) {
+  if (Members(set) == nullptr) return Fail(ERROR_INVALID_HANDLE);
+  if (detail == nullptr || detail->cbSize != sizeof(SP_DEVINFO_LIST_DETAIL_DATA_W)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  if (fail_list_detail) return Fail(ERROR_ACCESS_DENIED);
+  detail->RemoteMachineHandle = nullptr;
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiSetClassInstallParamsW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                                       SP_CLASSINSTALL_HEADER* params,
+                                                       DWORD size) {
+  if (DeviceOf(set, device) == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (params == nullptr || params->cbSize != sizeof(SP_CLASSINSTALL_HEADER) ||
+      size != sizeof(SP_REMOVEDEVICE_PARAMS)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  SP_REMOVEDEVICE_PARAMS copy;
+  std::memcpy(&copy, params, sizeof(copy));
+  install_params.push_back(copy);
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO set,
+                                                   SP_DEVINFO_DATA* device) {
+  FakeDevice* target = DeviceOf(set, device);
+  if (target == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (function != DIF_REMOVE || install_params.empty()) return Fail(ERROR_DI_DO_DEFAULT);
+  if (target->remove_error != 0) return Fail(target->remove_error);
+  target->present = false;
+  removed_by_installer.push_back(device->DevInst - 1);
+  return TRUE;
+}
+
+BOOL FakeDeviceDatabase::SetupDiGetDeviceInstallParamsW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                                        SP_DEVINSTALL_PARAMS_W* params) {
+  if (DeviceOf(set, device) == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (params == nullptr || params->cbSize != sizeof(SP_DEVINSTALL_PARAMS_W)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  return TRUE;
+}
+
+CONFIGRET FakeDeviceDatabase::CM_Get_DevNode_Status(ULONG* status, ULONG* problem,
+                                                    DEVINST device, ULONG) {
+  if (status == nullptr || problem == nullptr) return CR_INVALID_POINTER;
+  if (device == 0 || device > devices.size()) return CR_INVALID_DEVNODE;
+  const FakeDevice& node = devices[device - 1];
+  if (node.status_result != CR_SUCCESS) return node.status_result;
+  *status = node.status;
+  *problem = 0;
+  return CR_SUCCESS;
+}
+
+CONFIGRET FakeDeviceDatabase::CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length,
+                                                   ULONG, HMACHINE) {
+  if (buffer == nullptr) return CR_INVALID_POINTER;
+  if (device == 0 || device > devices.size()) return CR_INVALID_DEVNODE;
+  if (fail_device_id) return CR_FAILURE;
+  const std::wstring& id = devices[device - 1].instance_id;
+  if (id.size() >= length) return CR_BUFFER_SMALL;
+  std::copy(id.begin(), id.end(), buffer);
+  buffer[id.size()] = L'\0';
+  return CR_SUCCESS;
+}
+
+}  // namespace velhal::testing
