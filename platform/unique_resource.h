@@ -8,6 +8,7 @@
 #include "platform/win32.h"
 #include "platform/os/device_database.h"
 #include "platform/os/registry.h"
+#include "platform/os/service_control.h"
 
 namespace velhal {
 
@@ -68,5 +69,13 @@ struct DeviceInfoSetTraits {
   static void Close(HDEVINFO set) noexcept { os::device_database().SetupDiDestroyDeviceInfoList(set); }
 };
 using UniqueDeviceInfoSet = UniqueResource<DeviceInfoSetTraits>;
+
+struct ServiceHandleTraits {
+  using Handle = SC_HANDLE;
+  static SC_HANDLE Invalid() noexcept { return nullptr; }
+  static bool IsValid(SC_HANDLE handle) noexcept { return handle != nullptr; }
+  static void Close(SC_HANDLE handle) noexcept { os::service_control().CloseServiceHandle(handle); }
+};
+using UniqueServiceHandle = UniqueResource<ServiceHandleTraits>;
 
 }  // namespace velhal

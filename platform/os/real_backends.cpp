@@ -5,6 +5,8 @@
 #include "platform/os/debug_output.h"
 #include "platform/os/device_database.h"
 #include "platform/os/registry.h"
+#include "platform/os/service_control.h"
+#include "platform/os/timing.h"
 
 namespace velhal::os {
 namespace {
@@ -99,7 +101,43 @@ class RealDeviceDatabase final : public DeviceDatabase {
   }
 };
 
+class RealServiceControl final : public ServiceControl {
+ public:
+  SC_HANDLE OpenSCManagerW(const wchar_t* machine, const wchar_t* database,
+                           DWORD access) override {
+    return ::OpenSCManagerW(machine, database, access);
+  }
+  SC_HANDLE OpenServiceW(SC_HANDLE manager, const wchar_t* name, DWORD access) override {
+    return ::OpenServiceW(manager, name, access);
+  }
+  BOOL QueryServiceStatus(SC_HANDLE service, SERVICE_STATUS* status) override {
+    return ::QueryServiceStatus(service, status);
+  }
+  BOOL ControlService(SC_HANDLE service, DWORD control, SERVICE_STATUS* status) override {
+    return ::ControlService(service, control, status);
+  }
+  BOOL StartServiceW(SC_HANDLE service, DWORD argc, const wchar_t** argv) override {
+    return ::StartServiceW(service, argc, argv);
+  }
+  BOOL CloseServiceHandle(SC_HANDLE handle) override { return ::CloseServiceHandle(handle); }
+};
+
+class RealTiming final : public Timing {
+ public:
+  void Sleep(DWORD milliseconds) override { ::Sleep(milliseconds); }
+};
+
 }  // namespace
+
+ServiceControl& ServiceControl::Real() noexcept {
+  static RealServiceControl backend;
+  return backend;
+}
+
+Timing& Timing::Real() noexcept {
+  static RealTiming backend;
+  return backend;
+}
 
 DeviceDatabase& DeviceDatabase::Real() noexcept {
   static RealDeviceDatabase backend;
