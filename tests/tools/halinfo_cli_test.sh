@@ -18,8 +18,14 @@ check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
 
-"$wine_run" "$halinfo" --help | grep -q -- '--json'
+"$wine_run" "$halinfo" --help | grep -q -- '--devices'
 check "--help lists the options" test "${PIPESTATUS[1]}" -eq 0
+
+devices=$("$wine_run" "$halinfo" --devices); rc=$?
+check "--devices exits 0" test "$rc" -eq 0
+check "--devices lists setup classes" grep -Eq '^  [A-Za-z ,/]+ \{[0-9A-F-]{36}\}' <<<"$devices"
+json=$("$wine_run" "$halinfo" --devices --json)
+check "--devices --json has the devices array" grep -q '"devices": \[' <<<"$json"
 
 alone=$(mktemp -d)
 cp "$halinfo" "$alone/"

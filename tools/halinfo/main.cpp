@@ -2,12 +2,14 @@
 #include "platform/win32.h"
 
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "tools/halinfo/devices_section.h"
 #include "tools/halinfo/header_section.h"
 #include "tools/halinfo/output.h"
 
@@ -18,6 +20,7 @@ constexpr int kExitFailure = 1;
 
 struct Options {
   bool json = false;
+  bool devices = false;
 };
 
 // VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words
@@ -38,12 +41,17 @@ int Run(const Options& options) {
   }
 
   const halinfo::HeaderSection header = halinfo::HeaderSection::Collect(library);
+  std::optional<halinfo::DevicesSection> devices;
+  if (options.devices) devices = halinfo::DevicesSection::Collect();
+
   if (options.json) {
     nlohmann::ordered_json document = nlohmann::ordered_json::object();
     header.AddTo(document);
+    if (devices) devices->AddTo(document);
     halinfo::Print(document.dump(2) + "\n");
   } else {
     halinfo::Print(header.ToText());
+    if (devices) halinfo::Print(devices->ToText());
   }
   return 0;
 }
@@ -58,6 +66,8 @@ int wmain(int argc, wchar_t** argv) {
     CLI::App app{"halinfo: this machine's hardware as VelHal sees it.", "halinfo"};
     Options options;
     app.add_flag("--json", options.json, "Print the report as one JSON document");
+    app.add_flag("--devices", options.devices,
+                 "Also list the present devices by setup class (hardware ID, description)");
     try {
       app.parse(arguments);
     } catch (const CLI::ParseError& error) {
