@@ -94,10 +94,42 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
     return std::any_of(names.begin(), names.end(),
                        [&](const std::string& n) { return n.find(needle) != std::string::npos; });
   };
-  for (const char* member : {"ReadLocalMachineRegDW", "ReadLocalMachineRegRZ",
-                             "ReadLocalMachineRegExpandRZ", "WrightLocalMachineRegDW",
-                             "WriteLocalMachineRegRZ", "WrightLocalMachineRegExpandRZ"}) {
-    EXPECT_TRUE(has_member("ReadReg", member)) << member;
+  const auto has_function = [&](const std::string& function) {
+    const std::string needle = "_Z" + std::to_string(function.size()) + function;
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& n) { return n.rfind(needle, 0) == 0; });
+  };
+  const std::pair<const char*, std::vector<const char*>> classes[] = {
+      {"ReadReg",
+       {"ReadLocalMachineRegDW", "ReadLocalMachineRegRZ", "ReadLocalMachineRegExpandRZ",
+        "WrightLocalMachineRegDW", "WriteLocalMachineRegRZ", "WrightLocalMachineRegExpandRZ"}},
+      {"WmiQuery", {"ExcuteQuery"}},
+      {"DeviceInformention",
+       {"GetDeviceHardwareId", "GetDeviceDesc", "GetDeviceHardwareIDList",
+        "GetDeviceStrInfoByHardwareId", "GetDeviceStrInfoByHardwareIdEx",
+        "GetDeviceULONGInfoByHardwareId", "GetDeviceULONGInfoByHardwareIdEx",
+        "GetDeviceStrInfoByDesc", "GetDeviceStrInfoByDescEx", "GetDeviceULONGInfoByDesc",
+        "GetDeviceULONGInfoByDescEx", "GetDevicePropertyByhardId", "GetLastIntallTime",
+        "GetAllDeviceHardwareId", "GetAllDeviceHardwareIdEx", "GetUnknownDeviceHardId",
+        "GetSoftComponentItems", "GetInternalDeviceHardwareId", "UnstallDeviceByHardwareId",
+        "UnstallDeviceByHardwareIdEx"}},
+  };
+  for (const auto& [klass, members] : classes) {
+    for (const char* member : members) EXPECT_TRUE(has_member(klass, member)) << klass << "::" << member;
+  }
+  // The three ExcuteQuery instantiations: text, unsigned int and bytes.
+  for (const char* instantiation : {"ExcuteQueryINSt7__cxx1112basic_stringIw", "ExcuteQueryIjE",
+                                    "ExcuteQueryIhE"}) {
+    EXPECT_TRUE(std::any_of(names.begin(), names.end(), [&](const std::string& n) {
+      return n.find(instantiation) != std::string::npos;
+    })) << instantiation;
+  }
+  for (const char* function :
+       {"AnsiToWide", "WideToAnsi", "WmiQueryFirstString", "WmiQueryFirstUInt",
+        "IsProcessRunning", "IsServiceExist", "IsServiceRunning", "GetServiceState",
+        "StartServiceByName", "StopServiceByName", "IsProcUnsecappExist",
+        "GetWpnUserServiceExName"}) {
+    EXPECT_TRUE(has_function(function)) << function;
   }
 }
 
