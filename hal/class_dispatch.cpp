@@ -1,7 +1,7 @@
 #include "hal/class_dispatch.h"
 
-#include <array>
-#include <utility>
+#include "hal/audio_endpoints.h"
+#include "hal/disk_module.h"
 
 namespace velhal::hal {
 namespace {
@@ -13,18 +13,17 @@ uint32_t InitWithoutList(void* /*list*/) { return 1; }
 constexpr ClassModule kProcessor{.init_makes_list = false, .init = InitWithoutList};
 constexpr ClassModule kBattery{.init_makes_list = false, .init = InitWithoutList};
 
-constexpr std::array<std::pair<HalDeviceClass, const ClassModule*>, 2> kModules{{
-    {HAL_CLASS_PROCESSOR, &kProcessor},
-    {HAL_CLASS_BATTERY, &kBattery},
-}};
-
 }  // namespace
 
+// One row per device class; a class without a row fails every entry point.
 const ClassModule* FindClassModule(HalDeviceClass device_class) noexcept {
-  for (const auto& [number, module] : kModules) {
-    if (number == device_class) return module;
+  switch (device_class) {
+    case HAL_CLASS_PROCESSOR: return &kProcessor;
+    case HAL_CLASS_AUDIO_ENDPOINTS: return &AudioEndpointsModule();
+    case HAL_CLASS_DISK: return &DiskModule();
+    case HAL_CLASS_BATTERY: return &kBattery;
+    default: return nullptr;
   }
-  return nullptr;
 }
 
 }  // namespace velhal::hal

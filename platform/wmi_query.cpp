@@ -60,15 +60,14 @@ template VELHAL_API int WmiQuery::ExcuteQuery<unsigned char>(const std::wstring&
 
 }  // namespace VelSDK
 
+// Both helpers run with the flag set (the first object only) and keep the first value; the
+// output is left alone when there is none.
 int WmiQueryFirstString(const std::wstring& nameSpace, const std::wstring& query,
                         const std::wstring& property, std::wstring& out) {
   return velhal::CallGuarded(0, [&] {
-    const VelSDK::WmiQuery wmi(nameSpace);
+    VelSDK::WmiQuery wmi(nameSpace);
     std::vector<std::wstring> values;
-    const int result = wmi.ExcuteQueryImpl(
-        query, property, true,
-        [&values](tagVARIANT& value) { VelSDK::WmiQuery::GetResult(value, values); });
-    if (result != 0 || values.empty()) return 0;
+    if (wmi.ExcuteQuery(query, property, values, true) != 0) return 0;
     out = std::move(values.front());
     return 1;
   });
@@ -78,12 +77,9 @@ int WmiQueryFirstUInt(const std::wstring& nameSpace, const std::wstring& query,
                       const std::wstring& property, unsigned int* out) {
   if (out == nullptr) return 0;
   return velhal::CallGuarded(0, [&] {
-    const VelSDK::WmiQuery wmi(nameSpace);
+    VelSDK::WmiQuery wmi(nameSpace);
     std::vector<unsigned int> values;
-    const int result = wmi.ExcuteQueryImpl(
-        query, property, true,
-        [&values](tagVARIANT& value) { VelSDK::WmiQuery::GetResult(value, values); });
-    if (result != 0 || values.empty()) return 0;
+    if (wmi.ExcuteQuery(query, property, values, true) != 0) return 0;
     *out = values.front();
     return 1;
   });

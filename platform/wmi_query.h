@@ -34,10 +34,6 @@ class VELHAL_API WmiQuery {
                   bool flag);
 
  private:
-  friend int ::WmiQueryFirstString(const std::wstring&, const std::wstring&,
-                                   const std::wstring&, std::wstring&);
-  friend int ::WmiQueryFirstUInt(const std::wstring&, const std::wstring&, const std::wstring&,
-                                 unsigned int*);
 
   int ExcuteQueryImpl(const std::wstring& query, const std::wstring& property, bool flag,
                       const std::function<void(tagVARIANT&)>& onValue) const;

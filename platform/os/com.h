@@ -17,6 +17,7 @@ class Com {
   virtual void CoUninitialize() = 0;
   virtual HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                                    void** object) = 0;
+  virtual HRESULT CoCreateGuid(GUID* guid) = 0;
   virtual HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service,
                                     OLECHAR* server_principal, DWORD authn_level, DWORD imp_level,
                                     RPC_AUTH_IDENTITY_HANDLE auth_info, DWORD capabilities) = 0;

@@ -1,9 +1,11 @@
 // The real backends: each member forwards to the Win32 function of the same name.
 #include "platform/win32.h"
 
+#include "platform/os/audio.h"
 #include "platform/os/com.h"
 #include "platform/os/debug_output.h"
 #include "platform/os/device_database.h"
+#include "platform/os/device_io.h"
 #include "platform/os/registry.h"
 #include "platform/os/service_control.h"
 #include "platform/os/timing.h"
@@ -46,6 +48,7 @@ class RealCom final : public Com {
                            void** object) override {
     return ::CoCreateInstance(clsid, outer, context, iid, object);
   }
+  HRESULT CoCreateGuid(GUID* guid) override { return ::CoCreateGuid(guid); }
   HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service,
                             OLECHAR* server_principal, DWORD authn_level, DWORD imp_level,
                             RPC_AUTH_IDENTITY_HANDLE auth_info, DWORD capabilities) override {
@@ -122,12 +125,75 @@ class RealServiceControl final : public ServiceControl {
   BOOL CloseServiceHandle(SC_HANDLE handle) override { return ::CloseServiceHandle(handle); }
 };
 
+class RealDeviceIo final : public DeviceIo {
+ public:
+  HANDLE CreateFileW(const wchar_t* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                     DWORD disposition, DWORD attributes, HANDLE template_file) override {
+    return ::CreateFileW(path, access, share, security, disposition, attributes, template_file);
+  }
+  HANDLE CreateFileA(const char* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                     DWORD disposition, DWORD attributes, HANDLE template_file) override {
+    return ::CreateFileA(path, access, share, security, disposition, attributes, template_file);
+  }
+  BOOL DeviceIoControl(HANDLE device, DWORD code, void* in, DWORD in_size, void* out,
+                       DWORD out_size, DWORD* returned, OVERLAPPED* overlapped) override {
+    return ::DeviceIoControl(device, code, in, in_size, out, out_size, returned, overlapped);
+  }
+  BOOL CloseHandle(HANDLE handle) override { return ::CloseHandle(handle); }
+  DWORD SetFilePointer(HANDLE file, LONG distance_low, LONG* distance_high,
+                       DWORD method) override {
+    return ::SetFilePointer(file, distance_low, distance_high, method);
+  }
+  BOOL ReadFile(HANDLE file, void* buffer, DWORD length, DWORD* read,
+                OVERLAPPED* overlapped) override {
+    return ::ReadFile(file, buffer, length, read, overlapped);
+  }
+  BOOL WriteFile(HANDLE file, const void* buffer, DWORD length, DWORD* written,
+                 OVERLAPPED* overlapped) override {
+    return ::WriteFile(file, buffer, length, written, overlapped);
+  }
+  BOOL GetDiskFreeSpaceExA(const char* root, ULARGE_INTEGER* available_to_caller,
+                           ULARGE_INTEGER* total, ULARGE_INTEGER* total_free) override {
+    return ::GetDiskFreeSpaceExA(root, available_to_caller, total, total_free);
+  }
+};
+
+class RealAudio final : public Audio {
+ public:
+  HRESULT ActivateDefaultEndpointVolume(EDataFlow flow, ERole role,
+                                        IAudioEndpointVolume** volume) override {
+    IMMDeviceEnumerator* enumerator = nullptr;
+    HRESULT hr = ::CoCreateInstance(__uuidof(MMDeviceEnumerator), nullptr, CLSCTX_INPROC_SERVER,
+                                    __uuidof(IMMDeviceEnumerator),
+                                    reinterpret_cast<void**>(&enumerator));
+    if (FAILED(hr) || enumerator == nullptr) return hr;
+    IMMDevice* device = nullptr;
+    hr = enumerator->GetDefaultAudioEndpoint(flow, role, &device);
+    enumerator->Release();
+    if (FAILED(hr) || device == nullptr) return hr;
+    hr = device->Activate(__uuidof(IAudioEndpointVolume), CLSCTX_INPROC_SERVER, nullptr,
+                          reinterpret_cast<void**>(volume));
+    device->Release();
+    return hr;
+  }
+};
+
 class RealTiming final : public Timing {
  public:
   void Sleep(DWORD milliseconds) override { ::Sleep(milliseconds); }
 };
 
 }  // namespace
+
+DeviceIo& DeviceIo::Real() noexcept {
+  static RealDeviceIo backend;
+  return backend;
+}
+
+Audio& Audio::Real() noexcept {
+  static RealAudio backend;
+  return backend;
+}
 
 ServiceControl& ServiceControl::Real() noexcept {
   static RealServiceControl backend;

@@ -245,6 +245,12 @@ HRESULT FakeCom::CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD, REFIID
   return S_OK;
 }
 
+HRESULT FakeCom::CoCreateGuid(GUID* guid) {
+  if (guid == nullptr) return E_INVALIDARG;
+  *guid = GUID{static_cast<unsigned long>(++guids_created), 0, 0, {0xFA, 0xCE}};
+  return S_OK;
+}
+
 HRESULT FakeCom::CoSetProxyBlanket(IUnknown* proxy, DWORD, DWORD, OLECHAR*, DWORD, DWORD,
                                    RPC_AUTH_IDENTITY_HANDLE, DWORD) {
   RequireApartment("CoSetProxyBlanket");

@@ -44,6 +44,7 @@ class FakeCom final : public os::Com {
   int locators_created = 0;
   int connections = 0;
   int blankets_set = 0;
+  int guids_created = 0;
   std::vector<LONG> connect_flags;
   std::vector<LONG> exec_flags;
   std::vector<std::wstring> languages;
@@ -56,6 +57,7 @@ class FakeCom final : public os::Com {
   void CoUninitialize() override;
   HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                            void** object) override;
+  HRESULT CoCreateGuid(GUID* guid) override;
   HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service,
                             OLECHAR* server_principal, DWORD authn_level, DWORD imp_level,
                             RPC_AUTH_IDENTITY_HANDLE auth_info, DWORD capabilities) override;

@@ -12,10 +12,13 @@ out=$("$wine_run" "$halinfo"); rc=$?
 check "plain run exits 0" test "$rc" -eq 0
 check "header names the library version" grep -q "^VelHal $version\.0 " <<<"$out"
 check "header names the Windows version" grep -Eq '^Windows [0-9]+\.[0-9]+ build [0-9]+' <<<"$out"
+check "the disks section lists disk 0" grep -Eq '^  Disk 0: ' <<<"$out"
+check "disk 0 has a size in MiB and GB" grep -Eq '^    size [0-9]+ MiB \([0-9]+ GB\)' <<<"$out"
 
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
+check "--json has the disks" grep -q '"disks": {' <<<"$json"
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
 
 "$wine_run" "$halinfo" --help | grep -q -- '--devices'

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/halinfo/devices_section.h"
+#include "tools/halinfo/disks_section.h"
 #include "tools/halinfo/header_section.h"
 #include "tools/halinfo/output.h"
 
@@ -41,16 +42,19 @@ int Run(const Options& options) {
   }
 
   const halinfo::HeaderSection header = halinfo::HeaderSection::Collect(library);
+  const halinfo::DisksSection disks = halinfo::DisksSection::Collect();
   std::optional<halinfo::DevicesSection> devices;
   if (options.devices) devices = halinfo::DevicesSection::Collect();
 
   if (options.json) {
     nlohmann::ordered_json document = nlohmann::ordered_json::object();
     header.AddTo(document);
+    disks.AddTo(document);
     if (devices) devices->AddTo(document);
     halinfo::Print(document.dump(2) + "\n");
   } else {
     halinfo::Print(header.ToText());
+    halinfo::Print(disks.ToText());
     if (devices) halinfo::Print(devices->ToText());
   }
   return 0;

@@ -1,0 +1,203 @@
+#include "hal/disk.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+#include "hal/disk_module.h"
+#include "hal/hal_api.h"
+#include "platform/boundary.h"
+
+namespace {
+
+using velhal::CallGuarded;
+namespace info = velhal::hal;
+
+// MSFT_PhysicalDisk.MediaType values.
+constexpr uint32_t kMediaUnspecified = 0;
+constexpr uint32_t kMediaHdd = 3;
+constexpr uint32_t kMediaSsd = 4;
+constexpr uint32_t kMediaScm = 5;
+
+constexpr uint32_t kTextBufferBytes = 1024;
+
+HalDeviceEntry* EntryAt(HalDeviceList* list, int index) {
+  return reinterpret_cast<HalDeviceEntry*>(reinterpret_cast<unsigned char*>(list) +
+                                           offsetof(HalDeviceList, entries)) +
+         index;
+}
+
+}  // namespace
+
+Disk::Disk() : list_(nullptr), count_(0) {}
+
+Disk::~Disk() {
+  if (list_ == nullptr) return;
+  for (int i = 0; i < count_; ++i) HalCloseDevice(HAL_CLASS_DISK, EntryAt(list_, i));
+  std::free(list_);
+}
+
+bool Disk::EnsureList() {
+  if (list_ != nullptr) return true;
+  HalDeviceList* list = nullptr;
+  if (!HalInit(HAL_CLASS_DISK, &list) || list == nullptr) return false;
+  list_ = list;
+  count_ = static_cast<int32_t>(list->count);
+  return true;
+}
+
+// The one getter behind every member: queries class 5 for one disk, opening it on first use.
+bool Disk::Number(uint32_t infoClass, int index, uint64_t& value) {
+  if (!EnsureList() || index < 0 || index >= count_) return false;
+  HalDeviceEntry* entry = EntryAt(list_, index);
+  if (entry->handle == nullptr && !HalOpenDevice(HAL_CLASS_DISK, entry)) entry->handle = nullptr;
+  std::array<unsigned char, 8> buffer{};
+  uint32_t returned = 0;
+  if (!HalQueryInformation(HAL_CLASS_DISK, entry, infoClass, buffer.data(),
+                           static_cast<uint32_t>(buffer.size()), &returned)) {
+    return false;
+  }
+  value = 0;
+  std::memcpy(&value, buffer.data(), returned <= sizeof(value) ? returned : sizeof(value));
+  return true;
+}
+
+std::wstring Disk::Text(uint32_t infoClass, int index) {
+  if (!EnsureList() || index < 0 || index >= count_) return {};
+  std::array<wchar_t, kTextBufferBytes / sizeof(wchar_t)> buffer{};
+  uint32_t returned = 0;
+  if (!HalQueryInformation(HAL_CLASS_DISK, EntryAt(list_, index), infoClass, buffer.data(),
+                           kTextBufferBytes, &returned)) {
+    return {};
+  }
+  return std::wstring(buffer.data(), returned / sizeof(wchar_t));
+}
+
+uint64_t Disk::Sum(uint64_t (Disk::*perDisk)(int)) {
+  if (!EnsureList()) return 0;
+  uint64_t total = 0;
+  for (int i = 0; i < count_; ++i) total += (this->*perDisk)(i);
+  return total;
+}
+
+int Disk::GetPhysicDiskNumbers() {
+  return CallGuarded(0, [&] {
+    std::array<unsigned char, 4> buffer{};
+    uint32_t returned = 0;
+    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, info::kDiskCount, buffer.data(), 4,
+                             &returned)) {
+      return 0;
+    }
+    uint32_t count = 0;
+    std::memcpy(&count, buffer.data(), sizeof(count));
+    return static_cast<int>(count);
+  });
+}
+
+uint64_t Disk::GetTotalCapacity(int index) {
+  return CallGuarded(uint64_t{0}, [&] {
+    uint64_t value = 0;
+    return Number(info::kDiskSizeMiB, index, value) ? value : 0;
+  });
+}
+
+uint64_t Disk::GetTotalVendorCapacity(int index) {
+  return CallGuarded(uint64_t{0}, [&] {
+    uint64_t value = 0;
+    return Number(info::kDiskSizeDecimalGB, index, value) ? value : 0;
+  });
+}
+
+uint64_t Disk::GetTotalVendorCapacityM(int index) {
+  return CallGuarded(uint64_t{0}, [&] {
+    uint64_t value = 0;
+    return Number(info::kDiskSizeDecimalMB, index, value) ? value : 0;
+  });
+}
+
+uint64_t Disk::GetRemainCapacity(int index) {
+  return CallGuarded(uint64_t{0}, [&] {
+    uint64_t value = 0;
+    return Number(info::kDiskFreeMiB, index, value) ? value : 0;
+  });
+}
+
+uint64_t Disk::GetUsedCapacity(int index) {
+  return CallGuarded(uint64_t{0}, [&]() -> uint64_t {
+    const uint64_t total = GetTotalCapacity(index);
+    const uint64_t free = GetRemainCapacity(index);
+    return total > free ? total - free : 0;
+  });
+}
+
+uint64_t Disk::GetAllTotalCapacity() {
+  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetTotalCapacity); });
+}
+
+uint64_t Disk::GetAllTotalVendorCapcity() {
+  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetTotalVendorCapacity); });
+}
+
+uint64_t Disk::GetAllRemainCapacity() {
+  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetRemainCapacity); });
+}
+
+uint64_t Disk::GetAllUsedCapacity() {
+  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetUsedCapacity); });
+}
+
+std::wstring Disk::GetCaption(int index) {
+  return CallGuarded(std::wstring{}, [&] { return Text(info::kDiskCaption, index); });
+}
+
+std::wstring Disk::GetFirmwareRevision(int index) {
+  return CallGuarded(std::wstring{}, [&] { return Text(info::kDiskFirmwareRevision, index); });
+}
+
+std::wstring Disk::GetSerialNumber(int index) {
+  return CallGuarded(std::wstring{}, [&] { return Text(info::kDiskSerialNumber, index); });
+}
+
+std::wstring Disk::GetMediaType(int index) {
+  return CallGuarded(std::wstring{}, [&]() -> std::wstring {
+    uint64_t media = kMediaUnspecified;
+    if (Number(info::kDiskStorageMediaType, index, media)) {
+      if (media == kMediaSsd) return L"SSD";
+      if (media == kMediaHdd) return L"HDD";
+      if (media == kMediaScm) return L"SCM";
+    }
+    return Text(info::kDiskMediaTypeText, index);
+  });
+}
+
+bool Disk::JudgeSSd(int index, bool& isSsd) {
+  isSsd = false;
+  return CallGuarded(false, [&] {
+    uint64_t value = 0;
+    // The media type is the better witness: some hard disks (SMR drives) support TRIM too.
+    if (Number(info::kDiskStorageMediaType, index, value) &&
+        (value == kMediaSsd || value == kMediaHdd)) {
+      isSsd = value == kMediaSsd;
+      return true;
+    }
+    if (Number(info::kDiskTrimEnabled, index, value)) {
+      isSsd = value == 1;
+      return true;
+    }
+    return false;
+  });
+}
+
+bool Disk::GetSystemDiskIndex(uint32_t& index) {
+  return CallGuarded(false, [&] {
+    std::array<unsigned char, 4> buffer{};
+    uint32_t returned = 0;
+    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, info::kDiskSystemDiskIndex, buffer.data(),
+                             4, &returned)) {
+      return false;
+    }
+    std::memcpy(&index, buffer.data(), sizeof(index));
+    return true;
+  });
+}
