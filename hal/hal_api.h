@@ -139,4 +139,27 @@ VELHAL_C_API uint32_t HalSetInformation(HalDeviceClass deviceClass, void* entry,
 VELHAL_C_API uint32_t HalSetCallback(HalDeviceClass deviceClass, uint32_t endpoint,
                                      struct IAudioEndpointVolumeCallback* callback, void* context);
 
+/*
+ * Module entry points. Text answers of the processor and battery are narrow (ANSI code page)
+ * NUL-terminated strings: the buffer must be longer than the text, *returnedSize receives its
+ * length without the NUL. Numbers are u32 at buffer[0..3] unless the class says otherwise.
+ */
+
+/* Processor: CpuInit detects the processor type (0 unknown, 1 Intel, 2 AMD, 3 Snapdragon). */
+VELHAL_C_API uint32_t CpuInit(void);
+VELHAL_C_API uint32_t CpuQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                          uint32_t* returnedSize);
+
+/* Battery: BtSetInformation accepts class 12, the two charge-threshold bytes. */
+VELHAL_C_API uint32_t BtInit(void);
+VELHAL_C_API uint32_t BtQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                         uint32_t* returnedSize);
+VELHAL_C_API uint32_t BtSetInformation(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                       uint32_t* returnedSize);
+
+/* Memory modules: MmInit makes a HalDeviceList (list is a HalDeviceList**). */
+VELHAL_C_API uint32_t MmInit(void* list);
+VELHAL_C_API uint32_t MmQueryInformation(HalDeviceEntry* entry, uint32_t infoClass, void* buffer,
+                                         uint32_t bufferSize, uint32_t* returnedSize);
+
 #endif /* VELHAL_HAL_API_H_ */

@@ -7,6 +7,7 @@
 
 #include "platform/win32.h"
 #include "platform/os/device_database.h"
+#include "platform/os/device_io.h"
 #include "platform/os/registry.h"
 #include "platform/os/service_control.h"
 
@@ -69,6 +70,16 @@ struct DeviceInfoSetTraits {
   static void Close(HDEVINFO set) noexcept { os::device_database().SetupDiDestroyDeviceInfoList(set); }
 };
 using UniqueDeviceInfoSet = UniqueResource<DeviceInfoSetTraits>;
+
+struct FileHandleTraits {
+  using Handle = HANDLE;
+  static HANDLE Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+  static bool IsValid(HANDLE handle) noexcept {
+    return handle != INVALID_HANDLE_VALUE && handle != nullptr;
+  }
+  static void Close(HANDLE handle) noexcept { os::device_io().CloseHandle(handle); }
+};
+using UniqueFileHandle = UniqueResource<FileHandleTraits>;
 
 struct ServiceHandleTraits {
   using Handle = SC_HANDLE;

@@ -23,6 +23,14 @@ class DeviceDatabase {
                                          DWORD buffer_size, DWORD* required_size,
                                          DWORD flags) = 0;
   virtual BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) = 0;
+  virtual BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                           const GUID* interface_class, DWORD index,
+                                           SP_DEVICE_INTERFACE_DATA* interface_data) = 0;
+  virtual BOOL SetupDiGetDeviceInterfaceDetailW(HDEVINFO set,
+                                                SP_DEVICE_INTERFACE_DATA* interface_data,
+                                                SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail,
+                                                DWORD detail_size, DWORD* required_size,
+                                                SP_DEVINFO_DATA* device) = 0;
   virtual BOOL SetupDiRemoveDevice(HDEVINFO set, SP_DEVINFO_DATA* device) = 0;
   virtual BOOL SetupDiGetDeviceInfoListDetailW(HDEVINFO set,
                                                SP_DEVINFO_LIST_DETAIL_DATA_W* detail) = 0;

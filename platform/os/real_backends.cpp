@@ -1,9 +1,12 @@
 // The real backends: each member forwards to the Win32 function of the same name.
 #include "platform/win32.h"
 
+#include <intrin.h>
+
 #include "platform/os/audio.h"
 #include "platform/os/com.h"
 #include "platform/os/debug_output.h"
+#include "platform/os/power.h"
 #include "platform/os/device_database.h"
 #include "platform/os/device_io.h"
 #include "platform/os/registry.h"
@@ -74,6 +77,18 @@ class RealDeviceDatabase final : public DeviceDatabase {
   }
   BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) override {
     return ::SetupDiDestroyDeviceInfoList(set);
+  }
+  BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                   const GUID* interface_class, DWORD index,
+                                   SP_DEVICE_INTERFACE_DATA* interface_data) override {
+    return ::SetupDiEnumDeviceInterfaces(set, device, interface_class, index, interface_data);
+  }
+  BOOL SetupDiGetDeviceInterfaceDetailW(HDEVINFO set, SP_DEVICE_INTERFACE_DATA* interface_data,
+                                        SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail,
+                                        DWORD detail_size, DWORD* required_size,
+                                        SP_DEVINFO_DATA* device) override {
+    return ::SetupDiGetDeviceInterfaceDetailW(set, interface_data, detail, detail_size,
+                                              required_size, device);
   }
   BOOL SetupDiRemoveDevice(HDEVINFO set, SP_DEVINFO_DATA* device) override {
     return ::SetupDiRemoveDevice(set, device);
@@ -178,6 +193,21 @@ class RealAudio final : public Audio {
   }
 };
 
+class RealPower final : public Power {
+ public:
+  BOOL GetSystemPowerStatus(SYSTEM_POWER_STATUS* status) override {
+    return ::GetSystemPowerStatus(status);
+  }
+  LONG CallNtPowerInformation(POWER_INFORMATION_LEVEL level, void* in, ULONG in_size, void* out,
+                              ULONG out_size) override {
+    return ::CallNtPowerInformation(level, in, in_size, out, out_size);
+  }
+  BOOL GlobalMemoryStatusEx(MEMORYSTATUSEX* status) override {
+    return ::GlobalMemoryStatusEx(status);
+  }
+  void Cpuid(int registers[4], int leaf) override { __cpuid(registers, leaf); }
+};
+
 class RealTiming final : public Timing {
  public:
   void Sleep(DWORD milliseconds) override { ::Sleep(milliseconds); }
@@ -197,6 +227,11 @@ Audio& Audio::Real() noexcept {
 
 ServiceControl& ServiceControl::Real() noexcept {
   static RealServiceControl backend;
+  return backend;
+}
+
+Power& Power::Real() noexcept {
+  static RealPower backend;
   return backend;
 }
 

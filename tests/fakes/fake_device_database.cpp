@@ -1,6 +1,7 @@
 #include "tests/fakes/fake_device_database.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "platform/device_property_keys.h"
@@ -96,10 +97,18 @@ HDEVINFO FakeDeviceDatabase::SetupDiGetClassDevsW(const GUID* class_guid, const 
     ::SetLastError(ERROR_INVALID_PARAMETER);
     return INVALID_HANDLE_VALUE;
   }
+  // With DIGCF_DEVICEINTERFACE the GUID names an interface class, not a setup class.
+  const bool by_interface = (flags & DIGCF_DEVICEINTERFACE) != 0;
   std::vector<size_t> members;
   for (size_t i = 0; i < devices.size(); ++i) {
     if ((flags & DIGCF_PRESENT) && !devices[i].present) continue;
-    if (!all_classes && !IsEqualGUID(devices[i].class_guid, *class_guid)) continue;
+    if (!all_classes) {
+      const bool matches =
+          by_interface ? std::any_of(devices[i].interfaces.begin(), devices[i].interfaces.end(),
+                                     [&](const auto& i2) { return IsEqualGUID(i2.first, *class_guid); })
+                       : IsEqualGUID(devices[i].class_guid, *class_guid);
+      if (!matches) continue;
+    }
     members.push_back(i);
   }
   const HDEVINFO set = reinterpret_cast<HDEVINFO>(next_set_);
@@ -151,6 +160,56 @@ BOOL FakeDeviceDatabase::SetupDiDestroyDeviceInfoList(HDEVINFO set) {
     return Fail(ERROR_INVALID_HANDLE);
   }
   --open_sets;
+  return TRUE;
+}
+
+// Interfaces are addressed by Reserved = (device index << 16 | interface index) + 1.
+BOOL FakeDeviceDatabase::SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                                     const GUID* interface_class, DWORD index,
+                                                     SP_DEVICE_INTERFACE_DATA* interface_data) {
+  const std::vector<size_t>* members = Members(set);
+  if (members == nullptr) return Fail(ERROR_INVALID_HANDLE);
+  if (interface_class == nullptr || interface_data == nullptr ||
+      interface_data->cbSize != sizeof(SP_DEVICE_INTERFACE_DATA)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  DWORD seen = 0;
+  for (size_t d : *members) {
+    if (device != nullptr && device->DevInst != d + 1) continue;
+    for (size_t i = 0; i < devices[d].interfaces.size(); ++i) {
+      if (!IsEqualGUID(devices[d].interfaces[i].first, *interface_class)) continue;
+      if (seen++ != index) continue;
+      interface_data->InterfaceClassGuid = *interface_class;
+      interface_data->Flags = SPINT_ACTIVE;
+      interface_data->Reserved = ((d << 16) | i) + 1;
+      return TRUE;
+    }
+  }
+  return Fail(ERROR_NO_MORE_ITEMS);
+}
+
+BOOL FakeDeviceDatabase::SetupDiGetDeviceInterfaceDetailW(
+    HDEVINFO set, SP_DEVICE_INTERFACE_DATA* interface_data,
+    SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail, DWORD detail_size, DWORD* required_size,
+    SP_DEVINFO_DATA*) {
+  if (Members(set) == nullptr) return Fail(ERROR_INVALID_HANDLE);
+  if (interface_data == nullptr || interface_data->Reserved == 0) return Fail(ERROR_INVALID_PARAMETER);
+  const size_t code = interface_data->Reserved - 1;
+  const size_t d = code >> 16, i = code & 0xFFFF;
+  if (d >= devices.size() || i >= devices[d].interfaces.size()) return Fail(ERROR_INVALID_PARAMETER);
+  const std::wstring& path = devices[d].interfaces[i].second;
+  const DWORD needed = static_cast<DWORD>(offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_W, DevicePath) +
+                                          (path.size() + 1) * sizeof(wchar_t));
+  if (required_size != nullptr) *required_size = needed;
+  if (detail == nullptr) {
+    return Fail(detail_size == 0 ? ERROR_INSUFFICIENT_BUFFER : ERROR_INVALID_USER_BUFFER);
+  }
+  if (detail->cbSize != sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_W)) {
+    return Fail(ERROR_INVALID_USER_BUFFER);
+  }
+  if (detail_size < needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
+  std::copy(path.begin(), path.end(), detail->DevicePath);
+  detail->DevicePath[path.size()] = L'\0';
   return TRUE;
 }
 

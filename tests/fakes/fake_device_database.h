@@ -29,6 +29,7 @@ struct FakeDevice {
   CONFIGRET status_result = CR_SUCCESS;
   ULONG status = 0;
   DWORD remove_error = 0;  // non-zero: removal fails with this last error
+  std::vector<std::pair<GUID, std::wstring>> interfaces;  // interface class, device path
 
   FakeDevice& Set(const DEVPROPKEY& key, DEVPROPTYPE type, std::vector<BYTE> bytes);
   FakeDevice& String(const DEVPROPKEY& key, const std::wstring& text);
@@ -65,6 +66,13 @@ class FakeDeviceDatabase final : public os::DeviceDatabase {
                                  DEVPROPTYPE* type, BYTE* buffer, DWORD buffer_size,
                                  DWORD* required_size, DWORD flags) override;
   BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) override;
+  BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                   const GUID* interface_class, DWORD index,
+                                   SP_DEVICE_INTERFACE_DATA* interface_data) override;
+  BOOL SetupDiGetDeviceInterfaceDetailW(HDEVINFO set, SP_DEVICE_INTERFACE_DATA* interface_data,
+                                        SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail,
+                                        DWORD detail_size, DWORD* required_size,
+                                        SP_DEVINFO_DATA* device) override;
   BOOL SetupDiRemoveDevice(HDEVINFO set, SP_DEVINFO_DATA* device) override;
   BOOL SetupDiGetDeviceInfoListDetailW(HDEVINFO set,
                                        SP_DEVINFO_LIST_DETAIL_DATA_W* detail) override;

@@ -30,7 +30,7 @@ void FakeDeviceIo::Volume(char letter, DWORD device_type, DWORD device_number, u
   number.DeviceNumber = device_number;
   number.PartitionNumber = 1;
   Device& volume = devices[std::wstring(L"\\\\.\\") + static_cast<wchar_t>(letter) + L":"];
-  volume.ioctls[IOCTL_STORAGE_GET_DEVICE_NUMBER] = Ioctl{TRUE, 0, Bytes(number), std::nullopt};
+  volume.ioctls[IOCTL_STORAGE_GET_DEVICE_NUMBER] = Answer(Bytes(number));
   free_bytes[std::string(1, letter) + ":"] = free;
 }
 
@@ -42,7 +42,7 @@ FakeDeviceIo::Ioctl FakeDeviceIo::Geometry(int64_t cylinders, DWORD tracks, DWOR
   geometry.TracksPerCylinder = tracks;
   geometry.SectorsPerTrack = sectors;
   geometry.BytesPerSector = bytes;
-  return Ioctl{TRUE, 0, Bytes(geometry), std::nullopt};
+  return Answer(Bytes(geometry));
 }
 
 FakeDeviceIo::Ioctl FakeDeviceIo::Trim(bool enabled, DWORD returned) {
@@ -50,7 +50,7 @@ FakeDeviceIo::Ioctl FakeDeviceIo::Trim(bool enabled, DWORD returned) {
   trim.Version = sizeof(trim);
   trim.Size = sizeof(trim);
   trim.TrimEnabled = enabled ? 1 : 0;
-  return Ioctl{TRUE, 0, Bytes(trim), returned};
+  return Answer(Bytes(trim), returned);
 }
 
 FakeDeviceIo::Open* FakeDeviceIo::Lookup(HANDLE handle) {
@@ -91,7 +91,8 @@ BOOL FakeDeviceIo::DeviceIoControl(HANDLE handle, DWORD code, void* in, DWORD in
   const Device& device = devices.at(open->path);
   const auto found = device.ioctls.find(code);
   if (found == device.ioctls.end()) return Fail(ERROR_NOT_SUPPORTED);
-  const Ioctl& answer = found->second;
+  const Ioctl answer =
+      found->second.by_input ? found->second.by_input(last_input[code]) : found->second;
   if (!answer.result) return Fail(answer.error);
   if (out_size < answer.out.size()) return Fail(ERROR_INSUFFICIENT_BUFFER);
   if (!answer.out.empty()) std::memcpy(out, answer.out.data(), answer.out.size());

@@ -8,6 +8,7 @@
 #include <winioctl.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -24,6 +25,9 @@ class FakeDeviceIo final : public os::DeviceIo {
     DWORD error = 0;     // last error when result is FALSE
     std::vector<BYTE> out;
     std::optional<DWORD> returned;  // bytes reported; out's size when unset
+    // Answers that depend on the input (such as the battery's information levels): given the
+    // input bytes, the answer to give.
+    std::function<Ioctl(const std::vector<BYTE>& in)> by_input;
   };
   struct Device {
     DWORD open_error = 0;
@@ -45,6 +49,18 @@ class FakeDeviceIo final : public os::DeviceIo {
   Device& Disk(uint32_t number);
   // A volume "X:" on a device of the given type and number, with free bytes.
   void Volume(char letter, DWORD device_type, DWORD device_number, uint64_t free);
+  static Ioctl Answer(std::vector<BYTE> out, std::optional<DWORD> returned = std::nullopt) {
+    Ioctl ioctl;
+    ioctl.out = std::move(out);
+    ioctl.returned = returned;
+    return ioctl;
+  }
+  static Ioctl Failure(DWORD error) {
+    Ioctl ioctl;
+    ioctl.result = FALSE;
+    ioctl.error = error;
+    return ioctl;
+  }
   static Ioctl Geometry(int64_t cylinders, DWORD tracks, DWORD sectors, DWORD bytes);
   static Ioctl Trim(bool enabled, DWORD returned = sizeof(DEVICE_TRIM_DESCRIPTOR));
 

@@ -1,0 +1,265 @@
+#include "platform/win32.h"
+
+#include "hal/battery_module.h"
+
+#include <winioctl.h>
+
+#include <batclass.h>
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "components/bios_wmi.h"
+#include "hal/hal_api.h"
+#include "hal/query_output.h"
+#include "hal/text_output.h"
+#include "platform/boundary.h"
+#include "platform/device_interfaces.h"
+#include "platform/os/device_io.h"
+#include "platform/os/power.h"
+#include "platform/unique_resource.h"
+#include "platform/wmi_query.h"
+
+namespace velhal::hal {
+namespace {
+
+const wchar_t kRootWmi[] = L"ROOT\\WMI";
+constexpr GUID kBatteryInterface{0x72631e54, 0x78a4, 0x11d0, {0xbc, 0xf7, 0x00, 0xaa, 0x00, 0xb7, 0xb3, 0x2a}};
+constexpr int kPowerStatusAttempts = 3;
+constexpr int kBatteryStateAttempts = 4;
+constexpr BYTE kNoSystemBattery = 128;
+constexpr BYTE kUnknownBattery = 255;
+constexpr ULONG kDontWaitForTag = 0;
+constexpr uint32_t kThresholdClass = 12;
+
+enum BatteryInfo : uint32_t {
+  kPresent = 0, kManufacturer = 1, kDeviceName = 2, kRemaining = 3, kFullCharge = 4, kDesign = 5,
+  kAcLine = 6, kVoltage = 7, kLoss = 8, kDischargeRate = 9, kChargeRate = 10,
+};
+
+std::optional<SYSTEM_POWER_STATUS> PowerStatus() {
+  SYSTEM_POWER_STATUS status{};
+  for (int attempt = 0; attempt < kPowerStatusAttempts; ++attempt) {
+    if (os::power().GetSystemPowerStatus(&status) == TRUE) return status;
+  }
+  return std::nullopt;
+}
+
+bool BatteryPresent() {
+  const auto status = PowerStatus();
+  return status && status->BatteryFlag != kNoSystemBattery && status->BatteryFlag != kUnknownBattery;
+}
+
+std::optional<SYSTEM_BATTERY_STATE> BatteryState() {
+  SYSTEM_BATTERY_STATE state{};
+  for (int attempt = 0; attempt < kBatteryStateAttempts; ++attempt) {
+    if (os::power().CallNtPowerInformation(SystemBatteryState, nullptr, 0, &state,
+                                           sizeof(state)) == 0) {
+      return state;
+    }
+  }
+  return std::nullopt;
+}
+
+// The first battery's driver, opened and tagged.
+struct BatteryDevice {
+  UniqueFileHandle handle;
+  ULONG tag = 0;
+
+  static std::optional<BatteryDevice> Open() {
+    const std::optional<std::wstring> path = FirstDeviceInterfacePath(kBatteryInterface);
+    if (!path) return std::nullopt;
+    BatteryDevice device;
+    device.handle = UniqueFileHandle(os::device_io().CreateFileW(
+        path->c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!device.handle.IsValid()) return std::nullopt;
+    ULONG wait = kDontWaitForTag;
+    DWORD bytes = 0;
+    if (!os::device_io().DeviceIoControl(device.handle.Get(), IOCTL_BATTERY_QUERY_TAG, &wait,
+                                         sizeof(wait), &device.tag, sizeof(device.tag), &bytes,
+                                         nullptr) ||
+        device.tag == 0) {  // 0: no battery in the slot
+      return std::nullopt;
+    }
+    return device;
+  }
+
+  bool QueryInformation(BATTERY_QUERY_INFORMATION_LEVEL level, void* out, DWORD out_size,
+                        DWORD* bytes) {
+    BATTERY_QUERY_INFORMATION query{};
+    query.BatteryTag = tag;
+    query.InformationLevel = level;
+    return os::device_io().DeviceIoControl(handle.Get(), IOCTL_BATTERY_QUERY_INFORMATION, &query,
+                                           sizeof(query), out, out_size, bytes, nullptr) != FALSE;
+  }
+};
+
+struct DriverReading {
+  ULONG designed_capacity;
+  ULONG voltage;
+};
+
+// Tag, information and status in one go; any failed step fails the whole read.
+std::optional<DriverReading> ReadDriver() {
+  std::optional<BatteryDevice> device = BatteryDevice::Open();
+  if (!device) return std::nullopt;
+  BATTERY_INFORMATION information{};
+  DWORD bytes = 0;
+  if (!device->QueryInformation(BatteryInformation, &information, sizeof(information), &bytes)) {
+    return std::nullopt;
+  }
+  BATTERY_WAIT_STATUS wait{};
+  wait.BatteryTag = device->tag;
+  BATTERY_STATUS status{};
+  if (!os::device_io().DeviceIoControl(device->handle.Get(), IOCTL_BATTERY_QUERY_STATUS, &wait,
+                                       sizeof(wait), &status, sizeof(status), &bytes, nullptr)) {
+    return std::nullopt;
+  }
+  return DriverReading{information.DesignedCapacity, status.Voltage};
+}
+
+std::optional<std::wstring> DriverName(BATTERY_QUERY_INFORMATION_LEVEL level) {
+  std::optional<BatteryDevice> device = BatteryDevice::Open();
+  if (!device) return std::nullopt;
+  std::array<wchar_t, 257> name{};  // one spare unit keeps it terminated
+  DWORD bytes = 0;
+  if (!device->QueryInformation(level, name.data(), (name.size() - 1) * sizeof(wchar_t), &bytes)) {
+    return std::nullopt;
+  }
+  return std::wstring(name.data());
+}
+
+std::wstring Name(uint32_t info_class) {
+  std::wstring name;
+  if (info_class == kManufacturer) {
+    // The manufacturer falls back to WMI only when the driver read fails.
+    if (const auto driver = DriverName(BatteryManufactureName)) return *driver;
+    WmiQueryFirstString(kRootWmi, L"SELECT ManufactureName FROM BatteryStaticData",
+                        L"ManufactureName", name);
+    return name;
+  }
+  // The device name also when the driver gives an empty one.
+  const auto driver = DriverName(BatteryDeviceName);
+  if (driver && !driver->empty()) return *driver;
+  WmiQueryFirstString(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName", name);
+  return name;
+}
+
+std::optional<uint32_t> DesignCapacity() {
+  unsigned int design = 0;
+  if (const auto driver = ReadDriver()) {
+    design = driver->designed_capacity;
+  } else if (!WmiQueryFirstUInt(kRootWmi, L"SELECT DesignedCapacity FROM BatteryStaticData",
+                                L"DesignedCapacity", &design)) {
+    return std::nullopt;
+  }
+  if (design == 0 || design == 0xFFFFFFFF) return std::nullopt;
+  return design;
+}
+
+std::optional<uint32_t> Voltage() {
+  unsigned int voltage = 0;
+  if (const auto driver = ReadDriver()) {
+    voltage = driver->voltage;
+  } else if (!WmiQueryFirstUInt(kRootWmi, L"SELECT Voltage FROM BatteryStatus", L"Voltage",
+                                &voltage)) {
+    return std::nullopt;
+  }
+  return voltage != 0 ? std::optional(voltage) : std::nullopt;
+}
+
+// Wear in hundredths of a percent. A battery holding more than its design is a failure, not 0.
+std::optional<uint32_t> Loss() {
+  if (!BatteryPresent() || !BatteryPresent()) return std::nullopt;
+  const auto state = BatteryState();
+  if (!state) return std::nullopt;
+  const auto design = DesignCapacity();
+  if (!design || *design <= state->MaxCapacity) return std::nullopt;
+  return static_cast<uint32_t>(uint64_t{*design - state->MaxCapacity} * 10000 / *design);
+}
+
+std::optional<uint32_t> Number(uint32_t info_class) {
+  switch (info_class) {
+    case kPresent: return BatteryPresent() ? std::optional(1u) : std::nullopt;
+    case kRemaining:
+    case kFullCharge: {
+      if (!BatteryPresent()) return std::nullopt;
+      const auto state = BatteryState();
+      if (!state) return std::nullopt;
+      return info_class == kRemaining ? state->RemainingCapacity : state->MaxCapacity;
+    }
+    case kDesign: return BatteryPresent() ? DesignCapacity() : std::nullopt;
+    case kAcLine: {
+      const auto status = PowerStatus();
+      if (!status) return std::nullopt;
+      return status->ACLineStatus;
+    }
+    case kVoltage: return BatteryPresent() ? Voltage() : std::nullopt;
+    case kLoss: return Loss();
+    case kDischargeRate: {
+      const auto state = BatteryState();
+      const auto rate = state ? static_cast<int32_t>(state->Rate) : 0;
+      if (!state || state->AcOnLine != 0 || rate >= 0) return std::nullopt;
+      return static_cast<uint32_t>(-static_cast<int64_t>(rate));
+    }
+    case kChargeRate: {
+      const auto state = BatteryState();
+      const auto rate = state ? static_cast<int32_t>(state->Rate) : 0;
+      if (!state || state->AcOnLine != 1 || rate < 1) return std::nullopt;
+      return static_cast<uint32_t>(rate);
+    }
+    default: return std::nullopt;
+  }
+}
+
+uint32_t InitBattery(void* /*list*/) { return BtInit(); }
+
+uint32_t Query(void* /*entry*/, uint32_t info_class, void* buffer, uint32_t buffer_size,
+               uint32_t* returned) {
+  return BtQueryInformation(info_class, buffer, buffer_size, returned);
+}
+
+uint32_t Set(void* /*entry*/, uint32_t info_class, void* buffer, uint32_t buffer_size,
+             uint32_t* returned) {
+  return BtSetInformation(info_class, buffer, buffer_size, returned);
+}
+
+}  // namespace
+
+const ClassModule& BatteryModule() {
+  static constexpr ClassModule kModule{
+      .init_makes_list = false, .init = InitBattery, .query = Query, .set = Set};
+  return kModule;
+}
+
+}  // namespace velhal::hal
+
+uint32_t BtInit() { return 1; }
+
+uint32_t BtQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                            uint32_t* returnedSize) {
+  using namespace velhal::hal;
+  return velhal::CallGuarded(0u, [&]() -> uint32_t {
+    if (infoClass > kChargeRate || buffer == nullptr || returnedSize == nullptr) return 0;
+    if (infoClass == kManufacturer || infoClass == kDeviceName) {
+      return WriteNarrowText(buffer, bufferSize, returnedSize, Name(infoClass));
+    }
+    if (bufferSize < 4) return 0;
+    const std::optional<uint32_t> value = Number(infoClass);
+    return value ? WriteNumber(buffer, bufferSize, returnedSize, *value) : 0;
+  });
+}
+
+uint32_t BtSetInformation(uint32_t infoClass, void* buffer, uint32_t /*bufferSize*/,
+                          uint32_t* returnedSize) {
+  using namespace velhal::hal;
+  return velhal::CallGuarded(0u, [&]() -> uint32_t {
+    if (infoClass != kThresholdClass || buffer == nullptr || returnedSize == nullptr) return 0;
+    const auto* bytes = static_cast<const unsigned char*>(buffer);
+    if (VelSDK::BiosWmi::SetBatteryChargeThreshlod(bytes[0], bytes[1]) != 0) return 0;
+    *returnedSize = 2;
+    return 1;
+  });
+}

@@ -1,0 +1,137 @@
+#include "hal/memory.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+#include "hal/hal_api.h"
+#include "platform/boundary.h"
+#include "platform/os/power.h"
+#include "platform/string_conversion.h"
+
+using velhal::CallGuarded;
+
+namespace {
+
+constexpr unsigned long kCountClass = 0, kLocatorClass = 1, kManufacturerClass = 2,
+                        kSerialClass = 3, kPartClass = 4, kCapacityClass = 5, kSpeedClass = 6;
+
+}  // namespace
+
+Memory::Memory() : list_(nullptr) {}
+
+Memory::~Memory() { std::free(list_); }
+
+bool Memory::Open() {
+  if (list_ != nullptr) return true;
+  HalDeviceList* list = nullptr;
+  if (!HalInit(HAL_CLASS_MEMORY, &list) || list == nullptr) return false;
+  list_ = list;
+  return true;
+}
+
+int Memory::Init() {
+  return CallGuarded(0, [&] { return Open() ? 1 : 0; });
+}
+
+int Memory::GetMemoryNums(uint32_t& count) {
+  count = 0;
+  return CallGuarded(0, [&] {
+    if (!Open()) return 0;
+    uint32_t returned = 0;
+    return MmQueryInformation(nullptr, kCountClass, &count, sizeof(count), &returned) ? 1 : 0;
+  });
+}
+
+int Memory::GetTotalMemoryNums(uint64_t& totalBytes) {
+  totalBytes = 0;
+  return CallGuarded(0, [&] {
+    uint32_t count = 0;
+    if (!GetMemoryNums(count)) return 0;
+    for (uint32_t i = 0; i < count; ++i) {
+      uint64_t bytes = 0;
+      if (!GetCapacitybyIndex(bytes, static_cast<int>(i))) break;
+      totalBytes += bytes;
+    }
+    return 1;
+  });
+}
+
+int Memory::GetStringInfoByIndex(std::wstring& text, int index, unsigned long infoClass) {
+  text.clear();
+  return CallGuarded(0, [&] {
+    if (!Open() || index < 0 || static_cast<uint32_t>(index) >= list_->count) {
+      return 0;
+    }
+    HalDeviceEntry entry{nullptr, static_cast<uint32_t>(index), 0};
+    std::array<char, 260> buffer{};
+    uint32_t returned = 0;
+    if (!MmQueryInformation(&entry, infoClass, buffer.data(), static_cast<uint32_t>(buffer.size()),
+                            &returned)) {
+      return 0;
+    }
+    text = AnsiToWide(std::string(buffer.data(), returned));
+    return 1;
+  });
+}
+
+int Memory::GetLocatorbyIndex(std::wstring& text, int index) {
+  return GetStringInfoByIndex(text, index, kLocatorClass);
+}
+int Memory::GetManufacturerbyIndex(std::wstring& text, int index) {
+  return GetStringInfoByIndex(text, index, kManufacturerClass);
+}
+int Memory::GetSerialNumberbyIndex(std::wstring& text, int index) {
+  return GetStringInfoByIndex(text, index, kSerialClass);
+}
+int Memory::GetPartNumberbyIndex(std::wstring& text, int index) {
+  return GetStringInfoByIndex(text, index, kPartClass);
+}
+
+int Memory::GetUintInfoByIndex(uint64_t& value, int index, unsigned long infoClass) {
+  value = 0;
+  return CallGuarded(0, [&] {
+    if (!Open() || index < 0 || static_cast<uint32_t>(index) >= list_->count) {
+      return 0;
+    }
+    HalDeviceEntry entry{nullptr, static_cast<uint32_t>(index), 0};
+    std::array<unsigned char, 8> buffer{};
+    uint32_t returned = 0;
+    if (!MmQueryInformation(&entry, infoClass, buffer.data(), 8, &returned)) return 0;
+    std::memcpy(&value, buffer.data(), sizeof(value));
+    return 1;
+  });
+}
+
+int Memory::GetCapacitybyIndex(uint64_t& bytes, int index) {
+  return GetUintInfoByIndex(bytes, index, kCapacityClass);
+}
+
+int Memory::GetSpeedbyIndex(uint32_t& speed, int index) {
+  uint64_t value = 0;
+  const int ok = GetUintInfoByIndex(value, index, kSpeedClass);
+  speed = static_cast<uint32_t>(value);
+  return ok;
+}
+
+unsigned long Memory::GetMemoryLoad() {
+  return CallGuarded(0ul, []() -> unsigned long {
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof(status);  // 64
+    return velhal::os::power().GlobalMemoryStatusEx(&status) ? status.dwMemoryLoad : 0;
+  });
+}
+
+float Memory::GetMemoryLoadF() {
+  return CallGuarded(0.0f, []() -> float {
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof(status);
+    if (!velhal::os::power().GlobalMemoryStatusEx(&status) || status.ullTotalPhys <= 10000) {
+      return 0.0f;
+    }
+    // In ten-thousandths, with integer divisions: the precision callers have always seen.
+    const uint64_t available_parts = status.ullAvailPhys / (status.ullTotalPhys / 10000);
+    return static_cast<float>(1.0 - static_cast<double>(available_parts) / 10000.0);
+  });
+}
