@@ -8,23 +8,29 @@ check() {  # check DESCRIPTION COMMAND...
   if "$@"; then echo "ok: $what"; else echo "FAILED: $what"; failures=$((failures + 1)); fi
 }
 
-out=$("$wine_run" "$halinfo"); rc=$?
+# halinfo writes text-mode output (CRLF line ends, as on any Windows console); compare without \r.
+out=$("$wine_run" "$halinfo" | tr -d '\r'); rc=$?  # pipefail: halinfo's own status
 check "plain run exits 0" test "$rc" -eq 0
 check "header names the library version" grep -q "^VelHal $version\.0 " <<<"$out"
 check "header names the Windows version" grep -Eq '^Windows [0-9]+\.[0-9]+ build [0-9]+' <<<"$out"
 check "the disks section lists disk 0" grep -Eq '^  Disk 0: ' <<<"$out"
+check "the processor section has clocks in MHz" grep -Eq '^  clock ([0-9]+ MHz|\?) now' <<<"$out"
+check "the memory section counts modules" grep -Eq '^  ([0-9]+ MiB|\?) in [0-9]+ module\(s\)' <<<"$out"
+check "the battery section names the AC line" grep -Eq '^  AC line (online|offline|unknown)$' <<<"$out"
 check "disk 0 has a size in MiB and GB" grep -Eq '^    size [0-9]+ MiB \([0-9]+ GB\)' <<<"$out"
 
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
-check "--json has the disks" grep -q '"disks": {' <<<"$json"
+for key in processor memory disks battery; do
+  check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
+done
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
 
 "$wine_run" "$halinfo" --help | grep -q -- '--devices'
 check "--help lists the options" test "${PIPESTATUS[1]}" -eq 0
 
-devices=$("$wine_run" "$halinfo" --devices); rc=$?
+devices=$("$wine_run" "$halinfo" --devices | tr -d '\r'); rc=$?  # pipefail: halinfo's own status
 check "--devices exits 0" test "$rc" -eq 0
 check "--devices lists setup classes" grep -Eq '^  [A-Za-z ,/]+ \{[0-9A-F-]{36}\}' <<<"$devices"
 json=$("$wine_run" "$halinfo" --devices --json)

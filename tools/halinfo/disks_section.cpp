@@ -4,6 +4,7 @@
 
 #include "hal/disk.h"
 #include "hal/hal_api.h"
+#include "tools/halinfo/json_util.h"
 #include "tools/halinfo/output.h"
 
 namespace halinfo {
@@ -31,10 +32,6 @@ std::string QueryText(HalDeviceEntry* entry, uint32_t info_class) {
   return ToUtf8(std::wstring_view(text.data(), returned / sizeof(wchar_t)));
 }
 
-std::optional<uint64_t> NonZero(uint64_t value) {
-  return value != 0 ? std::optional(value) : std::nullopt;
-}
-
 // Trims the blanks WMI pads serial numbers and models with.
 std::string Trimmed(std::string text) {
   const size_t first = text.find_first_not_of(' ');
@@ -50,8 +47,8 @@ void FromDiskClass(Disk& disks, int count, DisksSection& section) {
     item.serial_number = Trimmed(ToUtf8(disks.GetSerialNumber(i)));
     item.firmware = Trimmed(ToUtf8(disks.GetFirmwareRevision(i)));
     item.media_type = ToUtf8(disks.GetMediaType(i));
-    item.size_mib = NonZero(disks.GetTotalCapacity(i));
-    item.size_gb = NonZero(disks.GetTotalVendorCapacity(i));
+    item.size_mib = Reported(disks.GetTotalCapacity(i));
+    item.size_gb = Reported(disks.GetTotalVendorCapacity(i));
     item.free_mib = disks.GetRemainCapacity(i);
     bool ssd = false;
     if (disks.JudgeSSd(i, ssd)) item.ssd = ssd;
@@ -79,17 +76,8 @@ void ByProbing(DisksSection& section) {
   }
 }
 
-std::string Number(const std::optional<uint64_t>& value) {
-  return value ? std::to_string(*value) : std::string("?");
-}
-
 std::string YesNo(const std::optional<bool>& value) {
   return value ? (*value ? "yes" : "no") : "unknown";
-}
-
-template <class T>
-nlohmann::ordered_json OrNull(const std::optional<T>& value) {
-  return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json(nullptr);
 }
 
 }  // namespace
@@ -140,11 +128,11 @@ std::string DisksSection::ToText() const {
     text += "  Disk " + std::to_string(item.index) + ": " +
             (item.model.empty() ? "(model unknown)" : item.model);
     if (system_disk && *system_disk == item.index) text += "  [system disk]";
-    text += "\n    serial " + (item.serial_number.empty() ? "?" : item.serial_number) +
-            ", firmware " + (item.firmware.empty() ? "?" : item.firmware) + "\n";
-    text += "    size " + Number(item.size_mib) + " MiB (" + Number(item.size_gb) +
-            " GB), free " + Number(item.free_mib) + " MiB\n";
-    text += "    media " + (item.media_type.empty() ? "?" : item.media_type) + ", SSD " +
+    text += "\n    serial " + OrUnknown(item.serial_number) + ", firmware " +
+            OrUnknown(item.firmware) + "\n";
+    text += "    size " + OrUnknown(item.size_mib) + " MiB (" + OrUnknown(item.size_gb) +
+            " GB), free " + OrUnknown(item.free_mib) + " MiB\n";
+    text += "    media " + OrUnknown(item.media_type) + ", SSD " +
             YesNo(item.ssd) + ", TRIM " + YesNo(item.trim) + "\n";
   }
   return text;

@@ -12,6 +12,7 @@
 #include "tools/halinfo/devices_section.h"
 #include "tools/halinfo/disks_section.h"
 #include "tools/halinfo/header_section.h"
+#include "tools/halinfo/machine_sections.h"
 #include "tools/halinfo/output.h"
 
 namespace {
@@ -42,19 +43,28 @@ int Run(const Options& options) {
   }
 
   const halinfo::HeaderSection header = halinfo::HeaderSection::Collect(library);
+  const halinfo::ProcessorSection processor = halinfo::ProcessorSection::Collect();
+  const halinfo::MemorySection memory = halinfo::MemorySection::Collect();
   const halinfo::DisksSection disks = halinfo::DisksSection::Collect();
+  const halinfo::BatterySection battery = halinfo::BatterySection::Collect();
   std::optional<halinfo::DevicesSection> devices;
   if (options.devices) devices = halinfo::DevicesSection::Collect();
 
   if (options.json) {
     nlohmann::ordered_json document = nlohmann::ordered_json::object();
     header.AddTo(document);
+    processor.AddTo(document);
+    memory.AddTo(document);
     disks.AddTo(document);
+    battery.AddTo(document);
     if (devices) devices->AddTo(document);
     halinfo::Print(document.dump(2) + "\n");
   } else {
     halinfo::Print(header.ToText());
+    halinfo::Print(processor.ToText());
+    halinfo::Print(memory.ToText());
     halinfo::Print(disks.ToText());
+    halinfo::Print(battery.ToText());
     if (devices) halinfo::Print(devices->ToText());
   }
   return 0;
