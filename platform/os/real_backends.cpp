@@ -6,6 +6,7 @@
 #include "platform/os/audio.h"
 #include "platform/os/com.h"
 #include "platform/os/debug_output.h"
+#include "platform/os/module.h"
 #include "platform/os/power.h"
 #include "platform/os/device_database.h"
 #include "platform/os/device_io.h"
@@ -208,6 +209,21 @@ class RealPower final : public Power {
   void Cpuid(int registers[4], int leaf) override { __cpuid(registers, leaf); }
 };
 
+class RealModule final : public Module {
+ public:
+  HMODULE GetModuleHandleW(const wchar_t* name) override { return ::GetModuleHandleW(name); }
+  FARPROC GetProcAddress(HMODULE module, const char* name) override {
+    return ::GetProcAddress(module, name);
+  }
+  BOOL GetModuleHandleExW(DWORD flags, const wchar_t* name, HMODULE* module) override {
+    return ::GetModuleHandleExW(flags, name, module);
+  }
+  DWORD GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD size) override {
+    return ::GetModuleFileNameW(module, path, size);
+  }
+  DWORD GetFileAttributesW(const wchar_t* path) override { return ::GetFileAttributesW(path); }
+};
+
 class RealTiming final : public Timing {
  public:
   void Sleep(DWORD milliseconds) override { ::Sleep(milliseconds); }
@@ -232,6 +248,11 @@ ServiceControl& ServiceControl::Real() noexcept {
 
 Power& Power::Real() noexcept {
   static RealPower backend;
+  return backend;
+}
+
+Module& Module::Real() noexcept {
+  static RealModule backend;
   return backend;
 }
 

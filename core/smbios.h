@@ -1,0 +1,58 @@
+// SMBIOS structure walk and the identity records of types 0, 1, 2, 3 and 11 (DMTF DSP0134,
+// "System Management BIOS Reference Specification", sections 6.1 and 7.1-7.4, 7.12).
+//
+// Portable: no Windows header. The parsers take a pointer and a length and yield the 8-bit
+// strings as they stand in the table; converting them to text is the caller's business.
+// Every read is bounded by the buffer: a length byte, a string number or a fixed offset that
+// points outside it reads as absent, never past the end.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velhal::smbios {
+
+struct Fields {
+  std::string bios_vendor, bios_version, bios_release_date;
+  std::string bios_system_version, bios_ec_version;  // "%d.%02d" and "%d.%d"
+  std::string system_manufacturer, system_product_name, system_version, system_serial_number;
+  std::array<uint8_t, 16> system_uuid{};  // as stored, no field reordering
+  std::string system_sku, system_family;
+  std::string board_manufacturer, board_product, board_version, board_serial_number;
+  std::string board_asset_tag, board_location;
+  std::string chassis_manufacturer, chassis_version, chassis_serial_number, chassis_asset_tag;
+  std::string chassis_sku;
+  uint8_t chassis_type = 0;  // the whole byte, lock bit included
+  std::map<int, std::string> oem_strings;  // only numbers 1, 2, 3, 4, 6, 7 and 10
+  std::vector<uint8_t> oem_string_counts;  // the count byte of every type-11 record seen
+};
+
+// Walks the structures of [start, start + length) and parses the identity records into fields.
+// A record type met twice is parsed twice: the later values win.
+void Walk(const uint8_t* start, size_t length, Fields& fields);
+
+// The 8-byte header Windows puts before the structures in a raw firmware table.
+struct RawHeader {
+  uint8_t major = 0, minor = 0, dmi_revision = 0;
+  uint32_t length = 0;  // of the structure data that follows
+};
+std::optional<RawHeader> ReadRawHeader(const uint8_t* data, size_t size);
+
+// A table saved to a file: where its structures are and which version it declares.
+enum class SavedFormat { kRawFirmwareTable, kDmidecodeDump, kBareTable };
+struct SavedTable {
+  SavedFormat format = SavedFormat::kBareTable;
+  uint8_t major = 0, minor = 0, dmi_revision = 0;
+  size_t offset = 0, length = 0;  // of the structures within the file
+};
+// Recognises a Windows raw firmware table (its 8-byte header), a "dmidecode --dump-bin" file
+// (an _SM_ or _SM3_ entry point with the table behind it) or a bare structure table such as a
+// copy of /sys/firmware/dmi/tables/DMI (versions then 0). Nullopt for an empty file.
+std::optional<SavedTable> DetectSavedTable(const uint8_t* data, size_t size);
+
+}  // namespace velhal::smbios

@@ -1,0 +1,118 @@
+#include "platform/win32.h"
+
+#include "firmware/config_files.h"
+
+#include <shlwapi.h>
+#include <xmllite.h>
+
+#include "platform/com_ptr.h"
+#include "platform/os/module.h"
+
+namespace velhal::firmware {
+namespace {
+
+const wchar_t kProductAdapterFolder[] = L"config\\product_adapter\\";
+
+// A function of this library, to find the module it lives in.
+void Anchor() {}
+
+// XmlLite ships with Windows but MinGW has no import library for it: bound at run time.
+using CreateXmlReaderFn = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
+
+CreateXmlReaderFn XmlReaderFactory() {
+  static const CreateXmlReaderFn factory = [] {
+    const HMODULE xmllite =
+        ::LoadLibraryExW(L"xmllite.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    return xmllite ? reinterpret_cast<CreateXmlReaderFn>(
+                         reinterpret_cast<void*>(::GetProcAddress(xmllite, "CreateXmlReader")))
+                   : nullptr;
+  }();
+  return factory;
+}
+
+}  // namespace
+
+std::optional<std::wstring> ProductAdapterPath(const wchar_t* file) {
+  HMODULE self = nullptr;
+  if (!os::module().GetModuleHandleExW(
+          GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+          reinterpret_cast<const wchar_t*>(&Anchor), &self)) {
+    return std::nullopt;
+  }
+  std::wstring path(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD length =
+        os::module().GetModuleFileNameW(self, path.data(), static_cast<DWORD>(path.size()));
+    if (length == 0) return std::nullopt;
+    if (length < path.size()) {
+      path.resize(length);
+      break;
+    }
+    if (path.size() >= 32768) return std::nullopt;
+    path.resize(path.size() * 2);
+  }
+  const size_t slash = path.find_last_of(L"\\/");
+  if (slash == std::wstring::npos) return std::nullopt;
+  return path.substr(0, slash + 1) + kProductAdapterFolder + file;
+}
+
+bool FileExists(const std::wstring& path) {
+  const DWORD attributes = os::module().GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+ChildText ReadFirstChildText(const std::wstring& path, const wchar_t* child) {
+  ChildText result;
+  const CreateXmlReaderFn factory = XmlReaderFactory();
+  if (factory == nullptr) return result;
+  ComPtr<IStream> stream;
+  ComPtr<IXmlReader> reader;
+  if (FAILED(::SHCreateStreamOnFileW(path.c_str(), STGM_READ | STGM_SHARE_DENY_WRITE,
+                                     stream.Put())) ||
+      FAILED(factory(__uuidof(IXmlReader), reader.PutVoid(), nullptr)) ||
+      FAILED(reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit)) ||
+      FAILED(reader->SetInput(stream.Get()))) {
+    return result;
+  }
+  bool have_root = false;
+  bool in_child = false;
+  std::wstring text;
+  XmlNodeType type = XmlNodeType_None;
+  HRESULT hr = S_OK;
+  // The whole document is read, so that a fault anywhere in it counts as unreadable.
+  while ((hr = reader->Read(&type)) == S_OK) {
+    UINT depth = 0;
+    reader->GetDepth(&depth);
+    if (type == XmlNodeType_Element) {
+      if (depth == 0) have_root = true;
+      const wchar_t* name = nullptr;
+      if (depth == 1 && !result.text && !in_child &&
+          SUCCEEDED(reader->GetLocalName(&name, nullptr)) && std::wstring(name) == child) {
+        if (reader->IsEmptyElement()) {
+          result.text = std::wstring();
+        } else {
+          in_child = true;
+          text.clear();
+        }
+      }
+    } else if (in_child && depth == 2 &&
+               (type == XmlNodeType_Text || type == XmlNodeType_CDATA ||
+                type == XmlNodeType_Whitespace)) {
+      const wchar_t* value = nullptr;
+      UINT length = 0;
+      if (SUCCEEDED(reader->GetValue(&value, &length))) text.append(value, length);
+    } else if (in_child && type == XmlNodeType_EndElement && depth == 1) {
+      in_child = false;
+      result.text = text;
+    }
+  }
+  if (FAILED(hr)) {
+    result.text.reset();
+    result.code = kConfigUnreadable;
+    return result;
+  }
+  result.code = have_root ? kConfigLoaded : kConfigNoRoot;
+  return result;
+}
+
+}  // namespace velhal::firmware

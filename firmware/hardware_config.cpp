@@ -1,0 +1,60 @@
+#include "firmware/hardware_config.h"
+
+#include "core/identity.h"
+#include "firmware/config_files.h"
+#include "platform/boundary.h"
+#include "platform/string_conversion.h"
+
+using velhal::firmware::ConfigCode;
+
+HardwareConfig::HardwareConfig() : load_result_(velhal::firmware::kConfigMissing) {
+  const int code = LoadConfig();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  load_result_ = code;
+}
+
+const HardwareConfig& HardwareConfig::GetInstance() {
+  static const HardwareConfig instance;
+  return instance;
+}
+
+int HardwareConfig::LoadConfig() const {
+  return velhal::CallGuarded(static_cast<int>(velhal::firmware::kConfigUnreadable), [&] {
+    const std::optional<std::wstring> path =
+        velhal::firmware::ProductAdapterPath(L"HardwareConfig.xml");
+    if (!path) return static_cast<int>(velhal::firmware::kConfigNoPath);
+    if (!velhal::firmware::FileExists(*path)) return static_cast<int>(velhal::firmware::kConfigMissing);
+    return InitHardwareConfigNode(*path);
+  });
+}
+
+int HardwareConfig::InitHardwareConfigNode(const std::wstring& path) const {
+  const velhal::firmware::ChildText vendors =
+      velhal::firmware::ReadFirstChildText(path, L"hardwareVendor");
+  if (vendors.code != velhal::firmware::kConfigLoaded) return vendors.code;
+  if (vendors.text) InitHardwareConfigInfo(*vendors.text);  // missing: the list stays
+  return velhal::firmware::kConfigLoaded;
+}
+
+void HardwareConfig::InitHardwareConfigInfo(const std::wstring& vendorText) const {
+  std::vector<std::string> vendors = velhal::identity::ParseVendorList(WideToAnsi(vendorText));
+  const std::lock_guard<std::mutex> lock(mutex_);
+  audio_vendors_ = std::move(vendors);
+}
+
+void HardwareConfig::ResetFeatureStatus() const {}
+
+int HardwareConfig::GetAudioVendor(std::vector<std::string>& vendors) const {
+  return velhal::CallGuarded(static_cast<int>(velhal::firmware::kConfigUnreadable), [&] {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    vendors = audio_vendors_;
+    return load_result_;
+  });
+}
+
+int HardwareConfig::Reset() const {
+  const int code = LoadConfig();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  load_result_ = code;
+  return code;
+}
