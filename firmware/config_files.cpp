@@ -74,39 +74,47 @@ ChildText ReadFirstChildText(const std::wstring& path, const wchar_t* child) {
       FAILED(reader->SetInput(stream.Get()))) {
     return result;
   }
+  // Nesting is counted here rather than taken from GetDepth, whose answer for end tags differs
+  // between XmlLite implementations; the count also catches elements left open at the end.
   bool have_root = false;
-  bool in_child = false;
+  bool collecting = false;
+  int open_elements = 0;
   std::wstring text;
   XmlNodeType type = XmlNodeType_None;
   HRESULT hr = S_OK;
   // The whole document is read, so that a fault anywhere in it counts as unreadable.
   while ((hr = reader->Read(&type)) == S_OK) {
-    UINT depth = 0;
-    reader->GetDepth(&depth);
     if (type == XmlNodeType_Element) {
-      if (depth == 0) have_root = true;
+      const int depth = open_elements;  // 0 for the root, 1 for its children
+      have_root = have_root || depth == 0;
       const wchar_t* name = nullptr;
-      if (depth == 1 && !result.text && !in_child &&
-          SUCCEEDED(reader->GetLocalName(&name, nullptr)) && std::wstring(name) == child) {
-        if (reader->IsEmptyElement()) {
-          result.text = std::wstring();
-        } else {
-          in_child = true;
+      const bool wanted = depth == 1 && !result.text && !collecting &&
+                          SUCCEEDED(reader->GetLocalName(&name, nullptr)) && name != nullptr &&
+                          std::wstring(name) == child;
+      if (reader->IsEmptyElement()) {
+        if (wanted) result.text = std::wstring();
+      } else {
+        ++open_elements;
+        if (wanted) {
+          collecting = true;
           text.clear();
         }
       }
-    } else if (in_child && depth == 2 &&
+    } else if (type == XmlNodeType_EndElement) {
+      --open_elements;
+      if (collecting && open_elements == 1) {
+        collecting = false;
+        result.text = text;
+      }
+    } else if (collecting && open_elements == 2 &&
                (type == XmlNodeType_Text || type == XmlNodeType_CDATA ||
                 type == XmlNodeType_Whitespace)) {
       const wchar_t* value = nullptr;
       UINT length = 0;
       if (SUCCEEDED(reader->GetValue(&value, &length))) text.append(value, length);
-    } else if (in_child && type == XmlNodeType_EndElement && depth == 1) {
-      in_child = false;
-      result.text = text;
     }
   }
-  if (FAILED(hr)) {
+  if (FAILED(hr) || open_elements != 0) {
     result.text.reset();
     result.code = kConfigUnreadable;
     return result;
