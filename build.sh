@@ -15,6 +15,12 @@ build() {
   cmake --build --preset "$preset"
 }
 
+# The portable core natively: sanitized tests, offline halinfo and a short fuzzing run.
+build_native() {
+  cmake --preset native >/dev/null
+  cmake --build --preset native
+}
+
 # Runs ctest in a warm Wine session; "display" selects the session with an X server.
 ctest_session() {  # ctest_session nodisplay|display JUNIT_FILE
   local mode=$1 junit=$2 rc=0 filter=(-LE display) start=--start-session
@@ -46,6 +52,13 @@ run_tests() {
     failed=$((failed + $(junit_count "$file" failures)))
     skipped=$((skipped + $(junit_count "$file" skipped) + $(junit_count "$file" disabled)))
   done
+  build_native
+  file=build/native/junit-native.xml
+  rm -f "$file"
+  ctest --preset native --output-junit "$PWD/$file" || rc=1
+  tests=$((tests + $(junit_count "$file" tests)))
+  failed=$((failed + $(junit_count "$file" failures)))
+  skipped=$((skipped + $(junit_count "$file" skipped) + $(junit_count "$file" disabled)))
   echo
   echo "tests: $((tests - failed - skipped)) passed, $failed failed, $skipped skipped"
   return "$rc"

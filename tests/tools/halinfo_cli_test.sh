@@ -36,6 +36,17 @@ check "--devices lists setup classes" grep -Eq '^  [A-Za-z ,/]+ \{[0-9A-F-]{36}\
 json=$("$wine_run" "$halinfo" --devices --json)
 check "--devices --json has the devices array" grep -q '"devices": \[' <<<"$json"
 
+data=$(dirname "$0")/../data/smbios
+for table in wine8-notebook.rsmb wine8-notebook.dump-bin wine8-notebook.DMI; do
+  smbios=$("$wine_run" "$halinfo" --smbios-file "$data/$table" --json | tr -d '\r'); rc=$?
+  check "--smbios-file $table exits 0" test "$rc" -eq 0
+  check "--smbios-file $table decodes the product" grep -q '"productName": "Example Book 14 G2"' <<<"$smbios"
+  for key in version bios system baseboard chassis oemStrings identity; do
+    grep -q "\"$key\": {" <<<"$smbios" || check "--smbios-file $table has $key" false
+  done
+done
+check "the live --json has the smbios object" grep -q '"smbios": {' <<<"$json"
+
 alone=$(mktemp -d)
 cp "$halinfo" "$alone/"
 err=$("$wine_run" "$alone/$(basename "$halinfo")" 2>&1 >/dev/null); rc=$?

@@ -1,87 +1,47 @@
-// halinfo: this machine's hardware as VelHal sees it, through the library's public interface.
+// halinfo: this machine's hardware as VelHal sees it, through the library's public interface;
+// and, offline and on any system, a saved SMBIOS table decoded by the library's own parser.
+#ifdef _WIN32
 #include "platform/win32.h"
+#endif
 
 #include <exception>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
-#include "tools/halinfo/devices_section.h"
-#include "tools/halinfo/disks_section.h"
-#include "tools/halinfo/header_section.h"
-#include "tools/halinfo/machine_sections.h"
+#include "tools/halinfo/live.h"
 #include "tools/halinfo/output.h"
+#include "tools/halinfo/smbios_report.h"
 
 namespace {
 
-constexpr int kExitLibraryMissing = 3;
 constexpr int kExitFailure = 1;
+constexpr int kExitUsage = 2;
 
-struct Options {
-  bool json = false;
-  bool devices = false;
-};
-
-// VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words
-// instead of by the loader before main runs.
-HMODULE LoadVelHal() {
-  return ::LoadLibraryExW(L"VelHal.dll", nullptr,
-                          LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+int Run(const halinfo::Options& options) {
+  if (!options.smbios_file.empty()) return halinfo::ReportSmbiosFile(options.smbios_file, options.json);
+#ifdef _WIN32
+  return halinfo::ReportRunningMachine(options);
+#else
+  halinfo::PrintError(
+      "halinfo: this build reads saved tables only (--smbios-file); the running machine's "
+      "report needs Windows.\n");
+  return kExitUsage;
+#endif
 }
 
-int Run(const Options& options) {
-  const HMODULE library = LoadVelHal();
-  if (library == nullptr) {
-    const DWORD error = ::GetLastError();
-    halinfo::PrintError("halinfo: cannot load VelHal.dll: " + halinfo::SystemMessage(error) +
-                        " (error " + std::to_string(error) + ").\n"
-                        "Keep VelHal.dll in the folder of halinfo.exe.\n");
-    return kExitLibraryMissing;
-  }
-
-  const halinfo::HeaderSection header = halinfo::HeaderSection::Collect(library);
-  const halinfo::ProcessorSection processor = halinfo::ProcessorSection::Collect();
-  const halinfo::MemorySection memory = halinfo::MemorySection::Collect();
-  const halinfo::DisksSection disks = halinfo::DisksSection::Collect();
-  const halinfo::BatterySection battery = halinfo::BatterySection::Collect();
-  std::optional<halinfo::DevicesSection> devices;
-  if (options.devices) devices = halinfo::DevicesSection::Collect();
-
-  if (options.json) {
-    nlohmann::ordered_json document = nlohmann::ordered_json::object();
-    header.AddTo(document);
-    processor.AddTo(document);
-    memory.AddTo(document);
-    disks.AddTo(document);
-    battery.AddTo(document);
-    if (devices) devices->AddTo(document);
-    halinfo::Print(document.dump(2) + "\n");
-  } else {
-    halinfo::Print(header.ToText());
-    halinfo::Print(processor.ToText());
-    halinfo::Print(memory.ToText());
-    halinfo::Print(disks.ToText());
-    halinfo::Print(battery.ToText());
-    if (devices) halinfo::Print(devices->ToText());
-  }
-  return 0;
-}
-
-}  // namespace
-
-int wmain(int argc, wchar_t** argv) {
+// Arguments arrive as UTF-8, last first, as CLI11 takes them.
+int Main(std::vector<std::string> arguments) {
   try {
-    std::vector<std::string> arguments;
-    for (int i = argc - 1; i > 0; --i) arguments.push_back(halinfo::ToUtf8(argv[i]));
-
     CLI::App app{"halinfo: this machine's hardware as VelHal sees it.", "halinfo"};
-    Options options;
+    halinfo::Options options;
     app.add_flag("--json", options.json, "Print the report as one JSON document");
     app.add_flag("--devices", options.devices,
                  "Also list the present devices by setup class (hardware ID, description)");
+    app.add_option("--smbios-file", options.smbios_file,
+                   "Decode a saved SMBIOS table instead (raw firmware table, dmidecode "
+                   "--dump-bin file or a copy of /sys/firmware/dmi/tables/DMI)");
     try {
       app.parse(arguments);
     } catch (const CLI::ParseError& error) {
@@ -93,3 +53,19 @@ int wmain(int argc, wchar_t** argv) {
     return kExitFailure;
   }
 }
+
+}  // namespace
+
+#ifdef _WIN32
+int wmain(int argc, wchar_t** argv) {
+  std::vector<std::string> arguments;
+  for (int i = argc - 1; i > 0; --i) arguments.push_back(halinfo::ToUtf8(argv[i]));
+  return Main(std::move(arguments));
+}
+#else
+int main(int argc, char** argv) {
+  std::vector<std::string> arguments;
+  for (int i = argc - 1; i > 0; --i) arguments.emplace_back(argv[i]);
+  return Main(std::move(arguments));
+}
+#endif

@@ -82,7 +82,9 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
   const std::vector<std::string> names = LoadedImage(module_).ExportNames();
   const std::set<std::string> exported(names.begin(), names.end());
   for (const char* flat : {"HalInit", "HalOpenDevice", "HalCloseDevice", "HalRead", "HalWrite",
-                           "HalQueryInformation", "HalSetInformation", "HalSetCallback"}) {
+                           "HalQueryInformation", "HalSetInformation", "HalSetCallback", "CpuInit",
+                           "CpuQueryInformation", "BtInit", "BtQueryInformation",
+                           "BtSetInformation", "MmInit", "MmQueryInformation"}) {
     SCOPED_TRACE(flat);
     EXPECT_EQ(exported.count(flat), 1u);
     EXPECT_NE(::GetProcAddress(module_, flat), nullptr);
@@ -104,6 +106,37 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
        {"ReadLocalMachineRegDW", "ReadLocalMachineRegRZ", "ReadLocalMachineRegExpandRZ",
         "WrightLocalMachineRegDW", "WriteLocalMachineRegRZ", "WrightLocalMachineRegExpandRZ"}},
       {"WmiQuery", {"ExcuteQuery"}},
+      {"SmBiosHelper",
+       {"GetInstance", "GetBIOSVendor", "GetBIOSVersion", "GetBIOSReleaseDate",
+        "GetBIOSSysVersion", "GetBIOSECVersion", "GetSysManufactor", "GetSysProductName",
+        "GetSysVersion", "GetSysSerialNumber", "GetSysUUID", "GetSysSKU", "GetSysFamily",
+        "GetBoardManufactor", "GetBoardProductName", "GetBoardVersion", "GetBoardSerialNumber",
+        "GetBoardAssetTag", "GetBoardLocation", "GetSecManufactor", "GetSecType",
+        "GetSecVersion", "GetSecSerialNumber", "GetSecAssetTagNumber", "GetSecSKU",
+        "GetSecSkuA", "GetOemString1", "GetOemString2", "GetOemString3", "GetOemString4",
+        "GetOemBiosWhitePointInfo", "GetOemProductName", "GetPropagandaName",
+        "GetBiosDeviceValue", "IsCorvaneDevice", "IsTalmerDevice", "IsSmartDevice",
+        "IsBrakkonDevice", "IsOndrelDevice", "IsVastrelDevice", "IsCorvaneStationDevice",
+        "GetBrandType", "GetComsumerType", "IsConsumerTypeToB", "IsUnsupportWifiAndBT"}},
+      {"HardwareConfig", {"GetInstance", "LoadConfig", "GetAudioVendor", "Reset"}},
+      {"Cpu",
+       {"Init", "GetCputype", "GetProperty", "GetUlongPropter", "GetCpuManufacturer",
+        "GetCpuName", "GetL1Associativity", "GetL2Associativity", "GetL3Associativity",
+        "GetCpuCurClock", "GetCpuExtClock", "GetCpuMaxClock", "GetCpuCoreNumbers",
+        "GetCpuCoreThreads", "GetL1CacheSize", "GetL2CacheSize", "GetL3CacheSize",
+        "GetCpuLoadPercent", "GetCpuUsage"}},
+      {"Memory",
+       {"Init", "GetMemoryNums", "GetTotalMemoryNums", "GetStringInfoByIndex",
+        "GetLocatorbyIndex", "GetManufacturerbyIndex", "GetSerialNumberbyIndex",
+        "GetPartNumberbyIndex", "GetUintInfoByIndex", "GetCapacitybyIndex", "GetSpeedbyIndex",
+        "GetMemoryLoad", "GetMemoryLoadF"}},
+      {"Battery",
+       {"Init", "CheckBattery", "AcLine", "GetBatteryName", "GetBatteryManufacturer",
+        "GetBatteryDesignCapacity", "GetBatteryFullCapacity", "GetBatteryRemainCapacity",
+        "GetBatteryVoltage", "GetBattertLoss", "GetBatteryPercent", "GetChargeRate",
+        "GetDisChargeRate", "GetChargeThreshold", "SetChargeThreshold", "GetProperty"}},
+      {"BiosWmi", {"SetBatteryChargeThreshlod"}},
+      {"SystemInfo", {"GetDeviceSerialNumber", "GetDeviceSerialNumberEx"}},
       {"Disk",
        {"GetPhysicDiskNumbers", "GetTotalCapacity", "GetTotalVendorCapacity",
         "GetTotalVendorCapacityM", "GetRemainCapacity", "GetUsedCapacity", "GetAllTotalCapacity",
@@ -131,7 +164,7 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
     })) << instantiation;
   }
   for (const char* function :
-       {"AnsiToWide", "WideToAnsi", "WmiQueryFirstString", "WmiQueryFirstUInt",
+       {"AnsiToWide", "WideToAnsi", "WmiQueryFirstString", "WmiQueryFirstUInt", "IsTypeDetachablePC",
         "IsProcessRunning", "IsServiceExist", "IsServiceRunning", "GetServiceState",
         "StartServiceByName", "StopServiceByName", "IsProcUnsecappExist",
         "GetWpnUserServiceExName"}) {

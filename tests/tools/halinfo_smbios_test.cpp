@@ -1,0 +1,90 @@
+// halinfo --smbios-file on the saved tables: every format decodes to the same report, the JSON
+// parses and has every key, and 8-bit strings come out as UTF-8.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+const std::string kData = std::string(VELHAL_TEST_DATA_DIR) + "/smbios/";
+
+// Runs halinfo and returns its standard output and exit status.
+std::pair<std::string, int> Halinfo(const std::string& arguments) {
+  const std::string command = std::string(HALINFO_PATH) + " " + arguments + " 2>/dev/null";
+  FILE* pipe = ::popen(command.c_str(), "r");
+  std::string out;
+  char chunk[4096];
+  size_t got = 0;
+  while (pipe != nullptr && (got = std::fread(chunk, 1, sizeof(chunk), pipe)) > 0) out.append(chunk, got);
+  const int status = pipe ? ::pclose(pipe) : -1;
+  return {out, status};
+}
+
+nlohmann::json Report(const std::string& file) {
+  const auto [out, status] = Halinfo("--smbios-file " + file + " --json");
+  EXPECT_EQ(status, 0);
+  return nlohmann::json::parse(out).at("smbios");
+}
+
+TEST(HalinfoSmbiosTest, EveryFormatGivesTheSameReport) {
+  const nlohmann::json raw = Report(kData + "wine8-notebook.rsmb");
+  const nlohmann::json dump = Report(kData + "wine8-notebook.dump-bin");
+  nlohmann::json bare = Report(kData + "wine8-notebook.DMI");
+  EXPECT_EQ(raw.at("version"), (nlohmann::json{{"major", 2}, {"minor", 4}, {"dmiRevision", 0}}));
+  EXPECT_EQ(dump.at("version").at("major"), 2);
+  EXPECT_EQ(bare.at("version"), (nlohmann::json{{"major", 0}, {"minor", 0}, {"dmiRevision", 0}}));
+  bare["version"] = raw.at("version");
+  EXPECT_EQ(raw, bare);
+  EXPECT_EQ(raw, dump);
+
+  EXPECT_EQ(raw.at("system").at("productName"), "Example Book 14 G2");
+  EXPECT_EQ(raw.at("system").at("uuid"), "3d1219c7c4c5404aaa1f6d2a48adfda4");
+  EXPECT_EQ(raw.at("chassis").at("type"), 10);
+  EXPECT_EQ(raw.at("chassis").at("sku"), "");
+  EXPECT_EQ(raw.at("bios").at("systemVersion"), "255.255");
+  EXPECT_TRUE(raw.at("oemStrings").empty());
+  EXPECT_EQ(raw.at("identity"), (nlohmann::json{{"deviceValue", 0}, {"brand", 0},
+                                                {"consumerType", 0}, {"isTypeDetachablePC", false},
+                                                {"isUnsupportWifiAndBT", false}}));
+  for (const char* section : {"bios", "system", "baseboard", "chassis"}) {
+    for (const auto& [key, value] : raw.at(section).items()) {
+      EXPECT_TRUE(value.is_string() || key == "type") << section << "." << key;
+    }
+  }
+  EXPECT_EQ(Report(kData + "wine8-default.rsmb").at("chassis").at("type"), 2);
+}
+
+TEST(HalinfoSmbiosTest, EightBitStringsAreWindows1252AndIdentityIsDerived) {
+  // One system record whose manufacturer holds 0xE9 and 0x80, seven OEM strings, and a
+  // detachable chassis.
+  std::string table = std::string("\x01\x08\x00\x00\x01\x00\x00\x00", 8) + "Caf\xE9 \x80" +
+                      std::string(2, '\0');
+  table += std::string("\x0B\x05\x01\x00\x07", 5) + "ABCDEFGHI2" + "3xxxxx1" + std::string(1, '\0');
+  for (int i = 2; i <= 7; ++i) table += "s" + std::to_string(i) + std::string(1, '\0');
+  table += std::string(1, '\0');
+  table += std::string("\x03\x06\x02\x00\x00\x20", 6) + std::string(2, '\0');
+  const std::string path = ::testing::TempDir() + "halinfo-1252.DMI";
+  std::ofstream(path, std::ios::binary) << table;
+
+  const nlohmann::json report = Report(path);
+  EXPECT_EQ(report.at("system").at("manufacturer"), "Caf\u00e9 \u20ac");
+  EXPECT_EQ(report.at("oemStrings").size(), 6u);  // 1, 2, 3, 4, 6 and 7 of the seven: never 5
+  EXPECT_EQ(report.at("oemStrings").at("1"), "ABCDEFGHI23xxxxx1");
+  EXPECT_EQ(report.at("identity").at("deviceValue"), '2');
+  EXPECT_EQ(report.at("identity").at("brand"), 1);
+  EXPECT_EQ(report.at("identity").at("consumerType"), 3);
+  EXPECT_EQ(report.at("identity").at("isTypeDetachablePC"), true);
+  EXPECT_EQ(report.at("identity").at("isUnsupportWifiAndBT"), true);  // '1' at index 16
+
+  const auto [text, status] = Halinfo("--smbios-file " + path);
+  EXPECT_EQ(status, 0);
+  EXPECT_NE(text.find("bare structure table"), std::string::npos);
+  EXPECT_NE(Halinfo("--smbios-file /nonexistent/table").second, 0);
+  EXPECT_NE(Halinfo("").second, 0);  // this build has no running-machine report
+}
+
+}  // namespace
