@@ -1,5 +1,5 @@
 // SMBIOS structure walk and the identity records of types 0, 1, 2, 3 and 11 (DMTF DSP0134,
-// DMTF DSP0134, the SMBIOS reference, sections 6.1 and 7.1-7.4, 7.12).
+// the SMBIOS reference, sections 6.1 and 7.1-7.4, 7.12).
 //
 // Portable: no Windows header. The parsers take a pointer and a length and yield the 8-bit
 // strings as they stand in the table; converting them to text is the caller's business.
