@@ -12,6 +12,7 @@
 
 #include "hal/query_output.h"
 #include "platform/os/device_io.h"
+#include "platform/wmi_engine.h"
 #include "platform/wmi_query.h"
 
 namespace velhal::hal {
@@ -214,6 +215,7 @@ std::optional<uint32_t> DiskNumberOfPartition(const std::wstring& antecedent) {
 // The disk that holds the volume labelled "Windows". Without such a volume there is no answer
 // (rather than the first partition's disk).
 std::optional<uint32_t> SystemDiskIndex() {
+  const wmi::SessionScope session;  // one connection serves the three queries
   std::wstring caption;
   if (!WmiQueryFirstString(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
                            L"Caption", caption) ||
