@@ -65,7 +65,7 @@ run_tests() {
 }
 
 run_halinfo() {
-  build
+  build >&2  # standard output is halinfo's alone, so that --json can be piped
   trap '"$wine_run" --stop-session' EXIT
   "$wine_run" --start-session
   # Wine's WMI complains on stderr about every logical-disk walk that meets Z: (the Unix root,
