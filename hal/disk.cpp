@@ -7,6 +7,7 @@
 
 #include "hal/disk_module.h"
 #include "hal/hal_api.h"
+#include "hal/query_output.h"
 #include "platform/boundary.h"
 
 namespace {
@@ -22,19 +23,13 @@ constexpr uint32_t kMediaScm = 5;
 
 constexpr uint32_t kTextBufferBytes = 1024;
 
-HalDeviceEntry* EntryAt(HalDeviceList* list, int index) {
-  return reinterpret_cast<HalDeviceEntry*>(reinterpret_cast<unsigned char*>(list) +
-                                           offsetof(HalDeviceList, entries)) +
-         index;
-}
-
 }  // namespace
 
 Disk::Disk() : list_(nullptr), count_(0) {}
 
 Disk::~Disk() {
   if (list_ == nullptr) return;
-  for (int i = 0; i < count_; ++i) HalCloseDevice(HAL_CLASS_DISK, EntryAt(list_, i));
+  for (int i = 0; i < count_; ++i) HalCloseDevice(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(i)));
   std::free(list_);
 }
 
@@ -50,7 +45,7 @@ bool Disk::EnsureList() {
 // The one getter behind every member: queries class 5 for one disk, opening it on first use.
 bool Disk::Number(uint32_t infoClass, int index, uint64_t& value) {
   if (!EnsureList() || index < 0 || index >= count_) return false;
-  HalDeviceEntry* entry = EntryAt(list_, index);
+  HalDeviceEntry* entry = velhal::hal::EntryAt(list_, static_cast<uint32_t>(index));
   if (entry->handle == nullptr && !HalOpenDevice(HAL_CLASS_DISK, entry)) entry->handle = nullptr;
   std::array<unsigned char, 8> buffer{};
   uint32_t returned = 0;
@@ -67,7 +62,7 @@ std::wstring Disk::Text(uint32_t infoClass, int index) {
   if (!EnsureList() || index < 0 || index >= count_) return {};
   std::array<wchar_t, kTextBufferBytes / sizeof(wchar_t)> buffer{};
   uint32_t returned = 0;
-  if (!HalQueryInformation(HAL_CLASS_DISK, EntryAt(list_, index), infoClass, buffer.data(),
+  if (!HalQueryInformation(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(index)), infoClass, buffer.data(),
                            kTextBufferBytes, &returned)) {
     return {};
   }

@@ -31,6 +31,13 @@ bool Memory::Open() {
   return true;
 }
 
+// An entry for a module index within the opened list.
+bool Memory::EntryFor(int index, HalDeviceEntry& entry) {
+  if (!Open() || index < 0 || static_cast<uint32_t>(index) >= list_->count) return false;
+  entry = HalDeviceEntry{nullptr, static_cast<uint32_t>(index), 0};
+  return true;
+}
+
 int Memory::Init() {
   return CallGuarded(0, [&] { return Open() ? 1 : 0; });
 }
@@ -61,10 +68,8 @@ int Memory::GetTotalMemoryNums(uint64_t& totalBytes) {
 int Memory::GetStringInfoByIndex(std::wstring& text, int index, unsigned long infoClass) {
   text.clear();
   return CallGuarded(0, [&] {
-    if (!Open() || index < 0 || static_cast<uint32_t>(index) >= list_->count) {
-      return 0;
-    }
-    HalDeviceEntry entry{nullptr, static_cast<uint32_t>(index), 0};
+    HalDeviceEntry entry{};
+    if (!EntryFor(index, entry)) return 0;
     std::array<char, 260> buffer{};
     uint32_t returned = 0;
     if (!MmQueryInformation(&entry, infoClass, buffer.data(), static_cast<uint32_t>(buffer.size()),
@@ -92,10 +97,8 @@ int Memory::GetPartNumberbyIndex(std::wstring& text, int index) {
 int Memory::GetUintInfoByIndex(uint64_t& value, int index, unsigned long infoClass) {
   value = 0;
   return CallGuarded(0, [&] {
-    if (!Open() || index < 0 || static_cast<uint32_t>(index) >= list_->count) {
-      return 0;
-    }
-    HalDeviceEntry entry{nullptr, static_cast<uint32_t>(index), 0};
+    HalDeviceEntry entry{};
+    if (!EntryFor(index, entry)) return 0;
     std::array<unsigned char, 8> buffer{};
     uint32_t returned = 0;
     if (!MmQueryInformation(&entry, infoClass, buffer.data(), 8, &returned)) return 0;

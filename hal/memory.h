@@ -8,6 +8,7 @@
 #include "hal/velhal_export.h"
 
 struct HalDeviceList;
+struct HalDeviceEntry;
 
 class VELHAL_API Memory {
  public:
@@ -33,6 +34,7 @@ class VELHAL_API Memory {
 
  private:
   bool Open();
+  bool EntryFor(int index, HalDeviceEntry& entry);
 
   HalDeviceList* list_;
 };

@@ -7,6 +7,12 @@
 
 namespace velhal::hal {
 
+HalDeviceEntry* EntryAt(HalDeviceList* list, uint32_t index) {
+  return reinterpret_cast<HalDeviceEntry*>(reinterpret_cast<unsigned char*>(list) +
+                                           offsetof(HalDeviceList, entries)) +
+         index;
+}
+
 uint32_t MakeDeviceList(void* list, uint64_t count) {
   const uint64_t size = 8 + 16 * count;
   if (list == nullptr || count == 0 || size > 0xFFFFFFFFull) return 0;
@@ -15,12 +21,9 @@ uint32_t MakeDeviceList(void* list, uint64_t count) {
   if (block == nullptr) return 0;
   block->totalSize = static_cast<uint32_t>(size);
   block->count = static_cast<uint32_t>(count);
-  // Entries are addressed from the block's start: the header declares only one.
-  auto* entries = reinterpret_cast<HalDeviceEntry*>(reinterpret_cast<unsigned char*>(block) +
-                                                    offsetof(HalDeviceList, entries));
   for (uint32_t i = 0; i < count; ++i) {
-    entries[i].handle = nullptr;
-    entries[i].index = i;
+    EntryAt(block, i)->handle = nullptr;
+    EntryAt(block, i)->index = i;
   }
   return 1;
 }

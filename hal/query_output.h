@@ -7,6 +7,8 @@
 #include <cstring>
 #include <string>
 
+#include "hal/hal_api.h"
+
 namespace velhal::hal {
 
 template <class Number>
@@ -29,6 +31,9 @@ inline uint32_t WriteText(void* buffer, uint32_t buffer_size, uint32_t* returned
   *returned = static_cast<uint32_t>(bytes);
   return 1;
 }
+
+// Entry i of a list. Addressed from the block's start: the header type declares only one entry.
+HalDeviceEntry* EntryAt(HalDeviceList* list, uint32_t index);
 
 // The block of classes 3, 5 and 11: header then count entries indexed 0 .. count - 1. The handle
 // slots start at 0, so closing an entry that was never opened closes nothing; the reserved bytes

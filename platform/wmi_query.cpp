@@ -60,27 +60,33 @@ template VELHAL_API int WmiQuery::ExcuteQuery<unsigned char>(const std::wstring&
 
 }  // namespace VelSDK
 
-// Both helpers run with the flag set (the first object only) and keep the first value; the
-// output is left alone when there is none.
-int WmiQueryFirstString(const std::wstring& nameSpace, const std::wstring& query,
-                        const std::wstring& property, std::wstring& out) {
+namespace {
+
+// Both helpers: the flag set (the first object only), the first value kept, the output left
+// alone when there is none.
+template <class T, class Store>
+int FirstValue(const std::wstring& name_space, const std::wstring& query,
+               const std::wstring& property, Store&& store) {
   return velhal::CallGuarded(0, [&] {
-    VelSDK::WmiQuery wmi(nameSpace);
-    std::vector<std::wstring> values;
+    VelSDK::WmiQuery wmi(name_space);
+    std::vector<T> values;
     if (wmi.ExcuteQuery(query, property, values, true) != 0) return 0;
-    out = std::move(values.front());
+    store(values.front());
     return 1;
   });
+}
+
+}  // namespace
+
+int WmiQueryFirstString(const std::wstring& nameSpace, const std::wstring& query,
+                        const std::wstring& property, std::wstring& out) {
+  return FirstValue<std::wstring>(nameSpace, query, property,
+                                  [&](std::wstring& value) { out = std::move(value); });
 }
 
 int WmiQueryFirstUInt(const std::wstring& nameSpace, const std::wstring& query,
                       const std::wstring& property, unsigned int* out) {
   if (out == nullptr) return 0;
-  return velhal::CallGuarded(0, [&] {
-    VelSDK::WmiQuery wmi(nameSpace);
-    std::vector<unsigned int> values;
-    if (wmi.ExcuteQuery(query, property, values, true) != 0) return 0;
-    *out = values.front();
-    return 1;
-  });
+  return FirstValue<unsigned int>(nameSpace, query, property,
+                                  [&](unsigned int value) { *out = value; });
 }
