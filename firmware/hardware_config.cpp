@@ -18,7 +18,7 @@ const HardwareConfig& HardwareConfig::GetInstance() {
   return instance;
 }
 
-int HardwareConfig::LoadConfig() const {
+int HardwareConfig::LoadConfig() {
   return velhal::CallGuarded(static_cast<int>(velhal::firmware::kConfigUnreadable), [&] {
     const std::optional<std::wstring> path =
         velhal::firmware::ProductAdapterPath(L"HardwareConfig.xml");
@@ -28,7 +28,7 @@ int HardwareConfig::LoadConfig() const {
   });
 }
 
-int HardwareConfig::InitHardwareConfigNode(const std::wstring& path) const {
+int HardwareConfig::InitHardwareConfigNode(const std::wstring& path) {
   const velhal::firmware::ChildText vendors =
       velhal::firmware::ReadFirstChildText(path, L"hardwareVendor");
   if (vendors.code != velhal::firmware::kConfigLoaded) return vendors.code;
@@ -36,13 +36,13 @@ int HardwareConfig::InitHardwareConfigNode(const std::wstring& path) const {
   return velhal::firmware::kConfigLoaded;
 }
 
-void HardwareConfig::InitHardwareConfigInfo(const std::wstring& vendorText) const {
+void HardwareConfig::InitHardwareConfigInfo(const std::wstring& vendorText) {
   std::vector<std::string> vendors = velhal::identity::ParseVendorList(WideToAnsi(vendorText));
   const std::lock_guard<std::mutex> lock(mutex_);
   audio_vendors_ = std::move(vendors);
 }
 
-void HardwareConfig::ResetFeatureStatus() const {}
+void HardwareConfig::ResetFeatureStatus() {}
 
 int HardwareConfig::GetAudioVendor(std::vector<std::string>& vendors) const {
   return velhal::CallGuarded(static_cast<int>(velhal::firmware::kConfigUnreadable), [&] {
@@ -52,7 +52,7 @@ int HardwareConfig::GetAudioVendor(std::vector<std::string>& vendors) const {
   });
 }
 
-int HardwareConfig::Reset() const {
+int HardwareConfig::Reset() {
   const int code = LoadConfig();
   const std::lock_guard<std::mutex> lock(mutex_);
   load_result_ = code;

@@ -12,25 +12,29 @@ class VELHAL_API HardwareConfig {
  public:
   // Load codes: 0 loaded (also without a "hardwareVendor" element), -3 the library's folder is
   // unknown, -4 no such file, -5 not readable as XML, -6 no root element.
+  // The instance is handed out const, as hosts have always bound it, while LoadConfig and Reset
+  // are non-const members of the export table; the object itself is not const, so a host calls
+  // them through a const_cast of the reference.
   static const HardwareConfig& GetInstance();
 
   // Reads the file again; a failed read keeps the list it had.
-  int LoadConfig() const;
+  int LoadConfig();
   // Copies the list (possibly stale or empty) and returns the code of the last load.
   int GetAudioVendor(std::vector<std::string>& vendors) const;
-  int Reset() const;
+  // LoadConfig again, its code kept as the last load's.
+  int Reset();
 
   HardwareConfig(const HardwareConfig&) = delete;
   HardwareConfig& operator=(const HardwareConfig&) = delete;
 
  private:
   HardwareConfig();
-  int InitHardwareConfigNode(const std::wstring& path) const;
-  void InitHardwareConfigInfo(const std::wstring& vendorText) const;
-  void ResetFeatureStatus() const;
+  int InitHardwareConfigNode(const std::wstring& path);
+  void InitHardwareConfigInfo(const std::wstring& vendorText);
+  void ResetFeatureStatus();
 
-  // The instance is handed out const; loading updates these under the lock.
+  // Loading updates these under the lock; GetAudioVendor reads them under it.
   mutable std::mutex mutex_;
-  mutable int load_result_;
-  mutable std::vector<std::string> audio_vendors_;
+  int load_result_;
+  std::vector<std::string> audio_vendors_;
 };

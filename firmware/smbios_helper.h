@@ -105,5 +105,5 @@ class VELHAL_API SmBiosHelper {
   std::map<int, std::wstring> oem_strings_;
 };
 
-// Whether the chassis type byte says "detachable" (0x20).
-VELHAL_API bool IsTypeDetachablePC();
+// IsTypeDetachablePC, the plain export over GetSecType, is declared with the flat interface.
+#include "hal/hal_api.h"

@@ -13,6 +13,9 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
 
 #include "velhal_export.h"
 
@@ -161,5 +164,11 @@ VELHAL_C_API uint32_t BtSetInformation(uint32_t infoClass, void* buffer, uint32_
 VELHAL_C_API uint32_t MmInit(void* list);
 VELHAL_C_API uint32_t MmQueryInformation(HalDeviceEntry* entry, uint32_t infoClass, void* buffer,
                                          uint32_t bufferSize, uint32_t* returnedSize);
+
+/*
+ * Whether the firmware's chassis type byte (SMBIOS type 3) says "detachable" (0x20). The
+ * result is one byte: C's bool (_Bool) and C++'s bool alike, 1 for true and 0 for false.
+ */
+VELHAL_C_API bool IsTypeDetachablePC(void);
 
 #endif /* VELHAL_HAL_API_H_ */

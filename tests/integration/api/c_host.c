@@ -10,3 +10,6 @@ uint32_t CHostInitProcessorAndBattery(void) {
     free(list); /* still NULL: classes 0 and 6 make no block */
     return processor + battery;
 }
+
+/* The detachable test as a C host binds it: a one-byte bool through a plain name. */
+uint32_t CHostIsTypeDetachablePC(void) { return IsTypeDetachablePC() ? 1u : 0u; }

@@ -84,7 +84,7 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
   for (const char* flat : {"HalInit", "HalOpenDevice", "HalCloseDevice", "HalRead", "HalWrite",
                            "HalQueryInformation", "HalSetInformation", "HalSetCallback", "CpuInit",
                            "CpuQueryInformation", "BtInit", "BtQueryInformation",
-                           "BtSetInformation", "MmInit", "MmQueryInformation"}) {
+                           "BtSetInformation", "MmInit", "MmQueryInformation", "IsTypeDetachablePC"}) {
     SCOPED_TRACE(flat);
     EXPECT_EQ(exported.count(flat), 1u);
     EXPECT_NE(::GetProcAddress(module_, flat), nullptr);
@@ -156,6 +156,14 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
   for (const auto& [klass, members] : classes) {
     for (const char* member : members) EXPECT_TRUE(has_member(klass, member)) << klass << "::" << member;
   }
+  // Constness is part of a member's exported name: only GetAudioVendor is const.
+  for (const char* exact : {"_ZN14HardwareConfig10LoadConfigEv", "_ZN14HardwareConfig5ResetEv"}) {
+    EXPECT_EQ(exported.count(exact), 1u) << exact;
+  }
+  EXPECT_TRUE(has_member("HardwareConfig", "GetAudioVendor") &&
+              std::any_of(names.begin(), names.end(), [](const std::string& n) {
+                return n.rfind("_ZNK14HardwareConfig14GetAudioVendor", 0) == 0;
+              }));
   // The three ExcuteQuery instantiations: text, unsigned int and bytes.
   for (const char* instantiation : {"ExcuteQueryINSt7__cxx1112basic_stringIw", "ExcuteQueryIjE",
                                     "ExcuteQueryIhE"}) {
@@ -164,7 +172,7 @@ TEST_F(ExportSurfaceTest, ExportsTheFlatEntryPointsUndecoratedAndTheClasses) {
     })) << instantiation;
   }
   for (const char* function :
-       {"AnsiToWide", "WideToAnsi", "WmiQueryFirstString", "WmiQueryFirstUInt", "IsTypeDetachablePC",
+       {"AnsiToWide", "WideToAnsi", "WmiQueryFirstString", "WmiQueryFirstUInt",
         "IsProcessRunning", "IsServiceExist", "IsServiceRunning", "GetServiceState",
         "StartServiceByName", "StopServiceByName", "IsProcUnsecappExist",
         "GetWpnUserServiceExName"}) {

@@ -79,6 +79,12 @@ TEST(FirmwareIdentityTest, AgreesFieldByFieldWithAnIndependentWalk) {
   EXPECT_EQ(helper.GetSecSerialNumber(), own.Text(3, 7));
   EXPECT_EQ(helper.GetSecType(), own.bytes.at({3, 5}));
   EXPECT_EQ(IsTypeDetachablePC(), own.bytes.at({3, 5}) == 0x20);
+  // Hosts bind the detachable test by its plain name.
+  using Detachable = bool (*)();
+  const auto bound = reinterpret_cast<Detachable>(reinterpret_cast<void*>(
+      ::GetProcAddress(::GetModuleHandleW(L"VelHal.dll"), "IsTypeDetachablePC")));
+  ASSERT_NE(bound, nullptr);
+  EXPECT_EQ(bound(), IsTypeDetachablePC());
   if (own.uuid.size() == 16) {
     const GUID uuid = helper.GetSysUUID();
     EXPECT_EQ(std::memcmp(&uuid, own.uuid.data(), 16), 0);
@@ -107,7 +113,7 @@ TEST(FirmwareIdentityTest, HardwareConfigReadsTheFileBesideTheDll) {
   const std::wstring kept = folder + L"HardwareConfig.xml.kept";
   ASSERT_TRUE(::MoveFileExW(file.c_str(), kept.c_str(), MOVEFILE_REPLACE_EXISTING));
 
-  const HardwareConfig& config = HardwareConfig::GetInstance();
+  auto& config = const_cast<HardwareConfig&>(HardwareConfig::GetInstance());
   const std::string text = "<?xml version=\"1.0\"?>\n<r><hardwareVendor>\nVEN_TEST1;VEN_TEST2\n</hardwareVendor></r>\n";
   HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                 FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -88,9 +88,13 @@ TEST(FlatApiTest, NullArgumentsNeverCrash) {
 }  // namespace
 
 extern "C" uint32_t CHostInitProcessorAndBattery(void);
+extern "C" uint32_t CHostIsTypeDetachablePC(void);
 
 namespace {
 
-TEST(FlatApiTest, CallableFromC) { EXPECT_EQ(CHostInitProcessorAndBattery(), 2u); }
+TEST(FlatApiTest, CallableFromC) {
+  EXPECT_EQ(CHostInitProcessorAndBattery(), 2u);
+  EXPECT_EQ(CHostIsTypeDetachablePC(), IsTypeDetachablePC() ? 1u : 0u);
+}
 
 }  // namespace
