@@ -1,5 +1,6 @@
 // The system battery, through device class 6. Capacities in mWh, voltage in mV, rates in mW.
-// A failed or absent reading is 0 (an empty string for texts). GetBattertLoss is spelt so in
+// A failed or absent reading is 0 (an empty string for texts), except AcLine, which answers
+// 255 (unknown) when the power status cannot be read. GetBattertLoss is spelt so in
 // the export table; hosts bind that name.
 #pragma once
 
@@ -33,7 +34,7 @@ class VELHAL_API Battery {
  public:
   bool Init();
   bool CheckBattery();              // a system battery is present
-  uint32_t AcLine();                // 0 offline, 1 online, 255 unknown
+  uint32_t AcLine();                // 0 offline, 1 online, 255 unknown or unreadable
   std::wstring GetBatteryName();
   std::wstring GetBatteryManufacturer();
   uint32_t GetBatteryDesignCapacity();

@@ -13,7 +13,6 @@
 #include "components/bios_wmi.h"
 #include "hal/hal_api.h"
 #include "hal/query_output.h"
-#include "hal/text_output.h"
 #include "platform/boundary.h"
 #include "platform/device_interfaces.h"
 #include "platform/os/device_io.h"
@@ -110,6 +109,9 @@ std::optional<DriverReading> ReadDriver() {
   if (!device->QueryInformation(BatteryInformation, &information, sizeof(information), &bytes)) {
     return std::nullopt;
   }
+  // The published 20-byte BATTERY_WAIT_STATUS, not a 16-byte one: drivers refuse a shorter
+  // input, which would send every voltage read to WMI. The one deviation kept on purpose.
+  static_assert(sizeof(BATTERY_WAIT_STATUS) == 20);
   BATTERY_WAIT_STATUS wait{};
   wait.BatteryTag = device->tag;
   BATTERY_STATUS status{};
@@ -131,20 +133,26 @@ std::optional<std::wstring> DriverName(BATTERY_QUERY_INFORMATION_LEVEL level) {
   return std::wstring(name.data());
 }
 
-std::wstring Name(uint32_t info_class) {
+// The name as the first source that answers gives it, empty included; nullopt when none does.
+std::optional<std::wstring> Name(uint32_t info_class) {
   std::wstring name;
   if (info_class == kManufacturer) {
     // The manufacturer falls back to WMI only when the driver read fails.
-    if (const auto driver = DriverName(BatteryManufactureName)) return *driver;
-    WmiQueryFirstString(kRootWmi, L"SELECT ManufactureName FROM BatteryStaticData",
-                        L"ManufactureName", name);
-    return name;
+    if (auto driver = DriverName(BatteryManufactureName)) return driver;
+    if (WmiQueryFirstString(kRootWmi, L"SELECT ManufactureName FROM BatteryStaticData",
+                            L"ManufactureName", name)) {
+      return name;
+    }
+    return std::nullopt;
   }
   // The device name also when the driver gives an empty one.
-  const auto driver = DriverName(BatteryDeviceName);
-  if (driver && !driver->empty()) return *driver;
-  WmiQueryFirstString(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName", name);
-  return name;
+  auto driver = DriverName(BatteryDeviceName);
+  if (driver && !driver->empty()) return driver;
+  if (WmiQueryFirstString(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName",
+                          name)) {
+    return name;
+  }
+  return driver;
 }
 
 std::optional<uint32_t> DesignCapacity() {
@@ -244,7 +252,10 @@ uint32_t BtQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSiz
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
     if (infoClass > kChargeRate || buffer == nullptr || returnedSize == nullptr) return 0;
     if (infoClass == kManufacturer || infoClass == kDeviceName) {
-      return WriteNarrowText(buffer, bufferSize, returnedSize, Name(infoClass));
+      const std::optional<std::wstring> name = Name(infoClass);
+      return name ? WriteText(buffer, bufferSize, returnedSize, *name, TextForm::kAnsiWithNul,
+                              EmptyText::kIsAnswer)
+                  : 0;
     }
     if (bufferSize < 4) return 0;
     const std::optional<uint32_t> value = Number(infoClass);

@@ -192,7 +192,7 @@ uint32_t QueryWmiText(HalDeviceEntry* entry, const wchar_t* select, const wchar_
   if (entry == nullptr) return 0;
   std::wstring value;
   if (!WmiQueryFirstString(kCimV2, select + IndexText(*entry) + L"'", property, value)) return 0;
-  return WriteText(buffer, buffer_size, returned, value);
+  return WriteText(buffer, buffer_size, returned, value, TextForm::kUtf16, EmptyText::kIsAnswer);
 }
 
 // The number between the first '#' and the first ',' of a partition reference such as
@@ -212,16 +212,14 @@ std::optional<uint32_t> DiskNumberOfPartition(const std::wstring& antecedent) {
   }
 }
 
-// The disk that holds the volume labelled "Windows". Without such a volume there is no answer
-// (rather than the first partition's disk).
+// The disk that holds the volume labelled "Windows". Without such a volume the caption stays
+// empty, which every Dependent text contains, so the first partition's disk answers: callers
+// rely on it, as most system volumes carry no such label.
 std::optional<uint32_t> SystemDiskIndex() {
   const wmi::SessionScope session;  // one connection serves the three queries
   std::wstring caption;
-  if (!WmiQueryFirstString(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
-                           L"Caption", caption) ||
-      caption.empty()) {
-    return std::nullopt;
-  }
+  WmiQueryFirstString(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
+                      L"Caption", caption);
   VelSDK::WmiQuery wmi(kCimV2);
   std::vector<std::wstring> dependents, antecedents;
   wmi.ExcuteQuery(L"SELECT Dependent FROM Win32_LogicalDiskToPartition", L"Dependent", dependents,

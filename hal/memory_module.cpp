@@ -78,14 +78,10 @@ uint64_t ParseDecimal(const std::wstring& text) {
   return value;
 }
 
-// Texts are copied without a NUL (callers pass zeroed buffers), and must leave one byte free.
 uint32_t WriteModuleText(void* buffer, uint32_t buffer_size, uint32_t* returned,
                          const std::wstring& text) {
-  const std::string narrow = WideToAnsi(text);
-  if (narrow.empty() || narrow.size() >= buffer_size) return 0;
-  std::memcpy(buffer, narrow.data(), narrow.size());
-  *returned = static_cast<uint32_t>(narrow.size());
-  return 1;
+  return WriteText(buffer, buffer_size, returned, text, TextForm::kAnsiWithoutNul,
+                   EmptyText::kFails);
 }
 
 uint32_t QueryCount(void* buffer, uint32_t buffer_size, uint32_t* returned) {

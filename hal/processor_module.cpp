@@ -8,7 +8,6 @@
 
 #include "hal/hal_api.h"
 #include "hal/query_output.h"
-#include "hal/text_output.h"
 #include "platform/boundary.h"
 #include "platform/os/power.h"
 #include "platform/read_reg.h"
@@ -182,8 +181,8 @@ uint32_t CpuQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSi
     if (buffer == nullptr || returnedSize == nullptr) return 0;
     // Classes below 5, compared as signed numbers, are texts.
     if (static_cast<int32_t>(infoClass) < 5) {
-      return WriteNarrowText(buffer, bufferSize, returnedSize,
-                             Text(static_cast<int32_t>(infoClass)));
+      return WriteText(buffer, bufferSize, returnedSize, Text(static_cast<int32_t>(infoClass)),
+                       TextForm::kAnsiWithNul, EmptyText::kFails);
     }
     const std::optional<uint32_t> value = Number(infoClass);
     if (!value || bufferSize < 4) return 0;

@@ -1,6 +1,6 @@
 // How every module's information query hands its answer over: numbers little-endian with
-// *returned set to their width; text as UTF-16 without a terminating NUL, *returned counting
-// its bytes, though room for the NUL (2n + 2 bytes) is required. Nothing is written on failure.
+// *returned set to their width; texts in the form their class names, *returned counting their
+// bytes without a NUL. Nothing is written on failure.
 #pragma once
 
 #include <cstdint>
@@ -19,18 +19,17 @@ uint32_t WriteNumber(void* buffer, uint32_t buffer_size, uint32_t* returned, Num
   return 1;
 }
 
-// An empty answer is a failure: callers cannot tell it from a missing one.
-inline uint32_t WriteText(void* buffer, uint32_t buffer_size, uint32_t* returned,
-                          const std::wstring& text) {
-  const uint64_t bytes = uint64_t{text.size()} * sizeof(wchar_t);
-  if (buffer == nullptr || returned == nullptr || text.empty() ||
-      uint64_t{buffer_size} < bytes + sizeof(wchar_t)) {
-    return 0;
-  }
-  std::memcpy(buffer, text.data(), static_cast<size_t>(bytes));
-  *returned = static_cast<uint32_t>(bytes);
-  return 1;
-}
+// The three ways a module hands text over. Each class's contract names one, and whether an
+// empty text is an answer of 0 bytes or a failure; WriteText is the one place that decides.
+enum class TextForm {
+  kUtf16,          // UTF-16 without a NUL; room for the NUL (2n + 2 bytes) is required
+  kAnsiWithNul,    // ANSI code page, copied with its NUL; the buffer must exceed n bytes
+  kAnsiWithoutNul  // ANSI code page, no NUL written (callers pass zeroed buffers); n < size
+};
+enum class EmptyText { kFails, kIsAnswer };
+
+uint32_t WriteText(void* buffer, uint32_t buffer_size, uint32_t* returned,
+                   const std::wstring& text, TextForm form, EmptyText empty);
 
 // Entry i of a list. Addressed from the block's start: the header type declares only one entry.
 HalDeviceEntry* EntryAt(HalDeviceList* list, uint32_t index);

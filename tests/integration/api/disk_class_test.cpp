@@ -18,6 +18,7 @@
 #include <string>
 
 #include "tests/support/hal_query.h"
+#include "tests/support/raw_wmi.h"
 #include "tests/support/wine.h"
 
 namespace {
@@ -153,8 +154,15 @@ TEST_F(DiskClassTest, SystemDiskIsTheDiskOfTheVolumeLabelledWindows) {
   ::GetVolumeInformationW(L"C:\\", label, MAX_PATH + 1, nullptr, nullptr, nullptr, nullptr, 0);
   const std::optional<uint32_t> index = Query<uint32_t>(nullptr, 12);
   if (std::wstring(label) != L"Windows") {
-    EXPECT_EQ(index, std::nullopt);
-    GTEST_SKIP() << "C: is not labelled Windows here";
+    // Unlabelled: the first partition WMI lists answers, "Disk #n, Partition #m".
+    const auto antecedents = velhal::testing::RawWmiTexts(
+        L"ROOT\\CIMV2", L"SELECT Antecedent FROM Win32_LogicalDiskToPartition", L"Antecedent");
+    if (!antecedents || antecedents->empty()) GTEST_SKIP() << "WMI lists no partition here";
+    const std::wstring& first = antecedents->front();
+    const size_t hash = first.find(L'#');
+    ASSERT_NE(hash, std::wstring::npos);
+    EXPECT_EQ(index, std::stoul(first.substr(hash + 1)));
+    return;
   }
   const auto own = OwnDeviceNumber(L"\\\\.\\C:");
   ASSERT_TRUE(own.has_value());

@@ -78,9 +78,15 @@ class BatteryTest : public ::testing::Test {
       return FakeDeviceIo::Failure(ERROR_INVALID_FUNCTION);
     };
     device.ioctls[IOCTL_BATTERY_QUERY_INFORMATION] = information;
-    BATTERY_STATUS status{};
-    status.Voltage = voltage;
-    device.ioctls[IOCTL_BATTERY_QUERY_STATUS] = FakeDeviceIo::Answer(Bytes(status));
+    // Drivers refuse a wait-status input shorter than the published 20 bytes.
+    FakeDeviceIo::Ioctl status;
+    status.by_input = [=](const std::vector<BYTE>& in) {
+      if (in.size() < sizeof(BATTERY_WAIT_STATUS)) return FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER);
+      BATTERY_STATUS answer{};
+      answer.Voltage = voltage;
+      return FakeDeviceIo::Answer(Bytes(answer));
+    };
+    device.ioctls[IOCTL_BATTERY_QUERY_STATUS] = status;
   }
 
   FakePower power_;
@@ -194,6 +200,18 @@ TEST_F(BatteryTest, TextsNeedRoomForTheirTerminator) {
   EXPECT_EQ(BtQueryInformation(2, text.data(), 11, &returned), 1u);
   EXPECT_EQ(returned, 10u);
   EXPECT_EQ(std::string(text.data()), "DELL 7FHHV");
+
+  // An empty name from the source is an answer of 0 bytes, its NUL still needing room; a name
+  // no source gives is a failure.
+  wmi_.Script(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName",
+              {FakeValue::Text(L"")});
+  EXPECT_EQ(BtQueryInformation(2, text.data(), 0, &returned), 0u);
+  EXPECT_EQ(BtQueryInformation(2, text.data(), 1, &returned), 1u);
+  EXPECT_EQ(returned, 0u);
+  EXPECT_EQ(text[0], '\0');
+  returned = 0xA5A5;
+  EXPECT_EQ(BtQueryInformation(1, text.data(), 16, &returned), 0u);  // no source answers
+  EXPECT_EQ(returned, 0xA5A5u);
 }
 
 TEST_F(BatteryTest, ThresholdsGoToTheFirmwareInOrder) {

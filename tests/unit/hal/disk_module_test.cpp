@@ -192,9 +192,18 @@ TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
   EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskMediaTypeText, text.data(),
                                 128, &returned),
             1u);
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskSerialNumber, text.data(), 128,
+  // An empty serial is an answer of 0 bytes, its NUL still needing room; a failed query fails.
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskSerialNumber, text.data(), 1,
                                 &returned),
-            0u);  // an empty answer is no answer
+            0u);
+  returned = 0xA5A5;
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskSerialNumber, text.data(), 2,
+                                &returned),
+            1u);
+  EXPECT_EQ(returned, 0u);
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskFirmwareRevision, text.data(),
+                                128, &returned),
+            0u);
   EXPECT_EQ(QueryNumber<uint32_t>(&disk1, info::kDiskStorageMediaType), 4u);
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskCount), 3u);
   EXPECT_EQ(QueryNumber<uint32_t>(&disk1, 13), std::nullopt);
@@ -227,9 +236,11 @@ TEST_F(DiskModuleTest, SystemDiskComesFromThePartitionOfTheWindowsVolume) {
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), std::nullopt);
   script({d}, {partition(L"0")});  // no partition holds C:
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), std::nullopt);
+  // No volume labelled "Windows": the empty caption is found at the first position.
+  script({d, c}, {partition(L"3"), partition(L"12")});
   wmi_.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
               L"Caption", {});
-  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), 3u);
 }
 
 TEST_F(DiskModuleTest, ReadAndWriteMoveThePointerFirst) {
