@@ -118,8 +118,11 @@ int Memory::GetSpeedbyIndex(uint32_t& speed, int index) {
   return ok;
 }
 
+// The two load readings open class 11 first, as every member does; the reading itself does not
+// depend on the list, so a failed open still answers.
 unsigned long Memory::GetMemoryLoad() {
-  return CallGuarded(0ul, []() -> unsigned long {
+  return CallGuarded(0ul, [&]() -> unsigned long {
+    Open();
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);  // 64
     return velhal::os::power().GlobalMemoryStatusEx(&status) ? status.dwMemoryLoad : 0;
@@ -127,7 +130,8 @@ unsigned long Memory::GetMemoryLoad() {
 }
 
 float Memory::GetMemoryLoadF() {
-  return CallGuarded(0.0f, []() -> float {
+  return CallGuarded(0.0f, [&]() -> float {
+    Open();
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);
     if (!velhal::os::power().GlobalMemoryStatusEx(&status) || status.ullTotalPhys <= 10000) {

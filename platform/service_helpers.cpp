@@ -56,7 +56,9 @@ bool IsProcessRunning(const std::wstring& caption) {
 
 bool IsServiceExist(const std::wstring& name) {
   return velhal::CallGuarded(false, [&] {
-    return FirstValue(L"SELECT Name FROM Win32_Service WHERE Name='", name, L"Name") == name;
+    // A failed or empty query is no service, even for an empty name.
+    const std::wstring found = FirstValue(L"SELECT Name FROM Win32_Service WHERE Name='", name, L"Name");
+    return !found.empty() && found == name;
   });
 }
 

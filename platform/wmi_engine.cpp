@@ -146,6 +146,12 @@ HRESULT WalkRows(IEnumWbemClassObject* rows, const std::wstring& property, bool 
     Variant value;
     CIMTYPE type = CIM_EMPTY;
     const HRESULT got = object->Get(property.c_str(), 0, value.get(), &type, nullptr);
+    // An object without the property yields no value: a query whose objects all lack it ran
+    // but produced nothing, which ExcuteQuery reports as -15.
+    if (got == static_cast<HRESULT>(WBEM_E_NOT_FOUND)) {
+      if (first_only) return S_OK;
+      continue;
+    }
     if (FAILED(got)) return got;
     // WMI hands uint32 over as VT_I4; mark it unsigned so that no reader sees it negative.
     if (type == CIM_UINT32 && V_VT(value.get()) == VT_I4) V_VT(value.get()) = VT_UI4;

@@ -161,6 +161,17 @@ TEST_F(MemoryTest, MemoryClassSumsUntilTheFirstUnknownCapacity) {
   EXPECT_EQ(memory.GetMemoryLoadF(), 0.0f);
   power_.memory_fails = true;
   EXPECT_EQ(memory.GetMemoryLoad(), 0u);
+
+  // The load readings open class 11 first, once, like every other member.
+  for (const bool fraction : {false, true}) {
+    Memory fresh;
+    const size_t before = wmi_.calls.size();
+    fraction ? (void)fresh.GetMemoryLoadF() : (void)fresh.GetMemoryLoad();
+    EXPECT_GT(wmi_.calls.size(), before);
+    const size_t opened = wmi_.calls.size();
+    fresh.GetMemoryLoad();
+    EXPECT_EQ(wmi_.calls.size(), opened);
+  }
 }
 
 }  // namespace

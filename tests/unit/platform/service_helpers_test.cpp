@@ -44,6 +44,8 @@ TEST_F(ServiceHelpersTest, QueriesAreBuiltAsTheyStandAndCompareExactly) {
   EXPECT_FALSE(IsServiceExist(L"spooler"));
   EXPECT_FALSE(IsServiceExist(L"Nothing"));
   EXPECT_FALSE(IsServiceExist(L"O'Brien"));  // the quote breaks the query: no answer
+  wmi_.Script(kCimV2, L"SELECT Name FROM Win32_Service WHERE Name=''", L"Name", {});
+  EXPECT_FALSE(IsServiceExist(L""));  // no rows: the empty value must not match
 
   for (const wchar_t* state : {L"Running", L"Start Pending", L"Paused", L"Stopped", L"running"}) {
     ScriptState(L"Svc", state);

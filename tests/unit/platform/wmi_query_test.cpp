@@ -26,7 +26,7 @@ TEST_F(WmiQueryTest, CollectsEveryValueOrReportsWhyNot) {
   wmi_.Script(kCimV2, L"SELECT Name FROM Win32_Nulls", L"Name",
               {FakeValue::Null(), FakeValue::Null()});
   wmi_.Script(kCimV2, L"SELECT Name FROM Win32_Broken", L"Name", {FakeValue::Text(L"early")},
-              WBEM_E_NOT_FOUND);
+              WBEM_E_FAILED);
 
   VelSDK::WmiQuery query(kCimV2);
   std::vector<std::wstring> values{L"stale", L"entries"};
@@ -40,7 +40,7 @@ TEST_F(WmiQueryTest, CollectsEveryValueOrReportsWhyNot) {
 
   // The engine's code comes back unchanged, with what arrived before the failure.
   EXPECT_EQ(query.ExcuteQuery(L"SELECT Name FROM Win32_Broken", L"Name", values, false),
-            static_cast<int>(WBEM_E_NOT_FOUND));
+            static_cast<int>(WBEM_E_FAILED));
   EXPECT_EQ(values, std::vector<std::wstring>{L"early"});
 
   std::vector<unsigned int> numbers;
