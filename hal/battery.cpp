@@ -11,7 +11,6 @@ using velhal::CallGuarded;
 
 namespace {
 
-constexpr uint32_t kThresholdClass = 12;
 constexpr uint32_t kAcUnknown = 255;
 
 }  // namespace
@@ -65,7 +64,7 @@ bool Battery::SetChargeThreshold(StBatteryChangeThresholdLimit& limit) {
   return CallGuarded(false, [&] {
     unsigned char bytes[2] = {limit.first, limit.second};
     uint32_t returned = 0;
-    return BtSetInformation(kThresholdClass, bytes, sizeof(bytes), &returned) == 1;
+    return BtSetInformation(HAL_BATTERY_SET_CHARGE_THRESHOLD, bytes, sizeof(bytes), &returned) == 1;
   });
 }
 

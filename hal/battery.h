@@ -7,21 +7,22 @@
 #include <cstdint>
 #include <string>
 
+#include "hal/hal_api.h"
 #include "hal/velhal_export.h"
 
-// Information classes of BtQueryInformation.
+// Information classes of BtQueryInformation, as hal_api.h names them.
 enum EnumHalBatteryQueryInfo : uint32_t {
-  HalBatteryPresent = 0,
-  HalBatteryManufacturer = 1,
-  HalBatteryDeviceName = 2,
-  HalBatteryRemainingCapacity = 3,
-  HalBatteryFullChargeCapacity = 4,
-  HalBatteryDesignCapacity = 5,
-  HalBatteryAcLineStatus = 6,
-  HalBatteryVoltage = 7,
-  HalBatteryLoss = 8,
-  HalBatteryDischargeRate = 9,
-  HalBatteryChargeRate = 10,
+  HalBatteryPresent = HAL_BATTERY_INFO_PRESENT,
+  HalBatteryManufacturer = HAL_BATTERY_INFO_MANUFACTURER,
+  HalBatteryDeviceName = HAL_BATTERY_INFO_DEVICE_NAME,
+  HalBatteryRemainingCapacity = HAL_BATTERY_INFO_REMAINING_CAPACITY,
+  HalBatteryFullChargeCapacity = HAL_BATTERY_INFO_FULL_CHARGE_CAPACITY,
+  HalBatteryDesignCapacity = HAL_BATTERY_INFO_DESIGN_CAPACITY,
+  HalBatteryAcLineStatus = HAL_BATTERY_INFO_AC_LINE_STATUS,
+  HalBatteryVoltage = HAL_BATTERY_INFO_VOLTAGE,
+  HalBatteryLoss = HAL_BATTERY_INFO_LOSS,
+  HalBatteryDischargeRate = HAL_BATTERY_INFO_DISCHARGE_RATE,
+  HalBatteryChargeRate = HAL_BATTERY_INFO_CHARGE_RATE,
 };
 
 // The firmware's charge thresholds: two bytes handed over first, then second.

@@ -30,12 +30,7 @@ constexpr int kBatteryStateAttempts = 4;
 constexpr BYTE kNoSystemBattery = 128;
 constexpr BYTE kUnknownBattery = 255;
 constexpr ULONG kDontWaitForTag = 0;
-constexpr uint32_t kThresholdClass = 12;
 
-enum BatteryInfo : uint32_t {
-  kPresent = 0, kManufacturer = 1, kDeviceName = 2, kRemaining = 3, kFullCharge = 4, kDesign = 5,
-  kAcLine = 6, kVoltage = 7, kLoss = 8, kDischargeRate = 9, kChargeRate = 10,
-};
 
 std::optional<SYSTEM_POWER_STATUS> PowerStatus() {
   SYSTEM_POWER_STATUS status{};
@@ -136,7 +131,7 @@ std::optional<std::wstring> DriverName(BATTERY_QUERY_INFORMATION_LEVEL level) {
 // The name as the first source that answers gives it, empty included; nullopt when none does.
 std::optional<std::wstring> Name(uint32_t info_class) {
   std::wstring name;
-  if (info_class == kManufacturer) {
+  if (info_class == HAL_BATTERY_INFO_MANUFACTURER) {
     // The manufacturer falls back to WMI only when the driver read fails.
     if (auto driver = DriverName(BatteryManufactureName)) return driver;
     if (WmiQueryFirstString(kRootWmi, L"SELECT ManufactureName FROM BatteryStaticData",
@@ -190,29 +185,29 @@ std::optional<uint32_t> Loss() {
 
 std::optional<uint32_t> Number(uint32_t info_class) {
   switch (info_class) {
-    case kPresent: return BatteryPresent() ? std::optional(1u) : std::nullopt;
-    case kRemaining:
-    case kFullCharge: {
+    case HAL_BATTERY_INFO_PRESENT: return BatteryPresent() ? std::optional(1u) : std::nullopt;
+    case HAL_BATTERY_INFO_REMAINING_CAPACITY:
+    case HAL_BATTERY_INFO_FULL_CHARGE_CAPACITY: {
       if (!BatteryPresent()) return std::nullopt;
       const auto state = BatteryState();
       if (!state) return std::nullopt;
-      return info_class == kRemaining ? state->RemainingCapacity : state->MaxCapacity;
+      return info_class == HAL_BATTERY_INFO_REMAINING_CAPACITY ? state->RemainingCapacity : state->MaxCapacity;
     }
-    case kDesign: return BatteryPresent() ? DesignCapacity() : std::nullopt;
-    case kAcLine: {
+    case HAL_BATTERY_INFO_DESIGN_CAPACITY: return BatteryPresent() ? DesignCapacity() : std::nullopt;
+    case HAL_BATTERY_INFO_AC_LINE_STATUS: {
       const auto status = PowerStatus();
       if (!status) return std::nullopt;
       return status->ACLineStatus;
     }
-    case kVoltage: return BatteryPresent() ? Voltage() : std::nullopt;
-    case kLoss: return Loss();
-    case kDischargeRate: {
+    case HAL_BATTERY_INFO_VOLTAGE: return BatteryPresent() ? Voltage() : std::nullopt;
+    case HAL_BATTERY_INFO_LOSS: return Loss();
+    case HAL_BATTERY_INFO_DISCHARGE_RATE: {
       const auto state = BatteryState();
       const auto rate = state ? static_cast<int32_t>(state->Rate) : 0;
       if (!state || state->AcOnLine != 0 || rate >= 0) return std::nullopt;
       return static_cast<uint32_t>(-static_cast<int64_t>(rate));
     }
-    case kChargeRate: {
+    case HAL_BATTERY_INFO_CHARGE_RATE: {
       const auto state = BatteryState();
       const auto rate = state ? static_cast<int32_t>(state->Rate) : 0;
       if (!state || state->AcOnLine != 1 || rate < 1) return std::nullopt;
@@ -250,8 +245,8 @@ uint32_t BtQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSiz
                             uint32_t* returnedSize) {
   using namespace velhal::hal;
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
-    if (infoClass > kChargeRate || buffer == nullptr || returnedSize == nullptr) return 0;
-    if (infoClass == kManufacturer || infoClass == kDeviceName) {
+    if (infoClass > HAL_BATTERY_INFO_CHARGE_RATE || buffer == nullptr || returnedSize == nullptr) return 0;
+    if (infoClass == HAL_BATTERY_INFO_MANUFACTURER || infoClass == HAL_BATTERY_INFO_DEVICE_NAME) {
       const std::optional<std::wstring> name = Name(infoClass);
       return name ? WriteText(buffer, bufferSize, returnedSize, *name, TextForm::kAnsiWithNul,
                               EmptyText::kIsAnswer)
@@ -267,7 +262,7 @@ uint32_t BtSetInformation(uint32_t infoClass, void* buffer, uint32_t /*bufferSiz
                           uint32_t* returnedSize) {
   using namespace velhal::hal;
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
-    if (infoClass != kThresholdClass || buffer == nullptr || returnedSize == nullptr) return 0;
+    if (infoClass != HAL_BATTERY_SET_CHARGE_THRESHOLD || buffer == nullptr || returnedSize == nullptr) return 0;
     const auto* bytes = static_cast<const unsigned char*>(buffer);
     if (VelSDK::BiosWmi::SetBatteryChargeThreshlod(bytes[0], bytes[1]) != 0) return 0;
     *returnedSize = 2;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "hal/hal_api.h"
 #include "hal/velhal_export.h"
 
 enum EnmHalCpuType : uint32_t {
@@ -15,24 +16,25 @@ enum EnmHalCpuType : uint32_t {
   HalCpuTypeSnapdragon = 3,
 };
 
-// Information classes of CpuQueryInformation: 0-4 texts, 6-18 numbers; 5, 15, 16 unanswered.
+// Information classes of CpuQueryInformation (hal_api.h names each number): 0-4 texts, 6-18
+// numbers; 5, 15, 16 unanswered.
 enum EnumHalCpuQueryInformation : uint32_t {
-  HalCpuVendor = 0,
-  HalCpuName = 1,
-  HalCpuL1Associativity = 2,
-  HalCpuL2Associativity = 3,
-  HalCpuL3Associativity = 4,
-  HalCpuExtendedLeafProbe = 6,
-  HalCpuCurrentClock = 7,
-  HalCpuExternalClock = 8,
-  HalCpuMaxClock = 9,
-  HalCpuCores = 10,
-  HalCpuLogicalProcessors = 11,
-  HalCpuL1CacheSize = 12,
-  HalCpuL2CacheSize = 13,
-  HalCpuL3CacheSize = 14,
-  HalCpuLoadPercentage = 17,
-  HalCpuType = 18,
+  HalCpuVendor = HAL_CPU_INFO_VENDOR,
+  HalCpuName = HAL_CPU_INFO_NAME,
+  HalCpuL1Associativity = HAL_CPU_INFO_L1_ASSOCIATIVITY,
+  HalCpuL2Associativity = HAL_CPU_INFO_L2_ASSOCIATIVITY,
+  HalCpuL3Associativity = HAL_CPU_INFO_L3_ASSOCIATIVITY,
+  HalCpuExtendedLeafProbe = HAL_CPU_INFO_EXTENDED_LEAF_PROBE,
+  HalCpuCurrentClock = HAL_CPU_INFO_CURRENT_CLOCK,
+  HalCpuExternalClock = HAL_CPU_INFO_EXTERNAL_CLOCK,
+  HalCpuMaxClock = HAL_CPU_INFO_MAX_CLOCK,
+  HalCpuCores = HAL_CPU_INFO_CORES,
+  HalCpuLogicalProcessors = HAL_CPU_INFO_LOGICAL_PROCESSORS,
+  HalCpuL1CacheSize = HAL_CPU_INFO_L1_CACHE_SIZE,
+  HalCpuL2CacheSize = HAL_CPU_INFO_L2_CACHE_SIZE,
+  HalCpuL3CacheSize = HAL_CPU_INFO_L3_CACHE_SIZE,
+  HalCpuLoadPercentage = HAL_CPU_INFO_LOAD_PERCENTAGE,
+  HalCpuType = HAL_CPU_INFO_TYPE,
 };
 
 class VELHAL_API Cpu {

@@ -13,7 +13,6 @@
 namespace {
 
 using velhal::CallGuarded;
-namespace info = velhal::hal;
 
 // MSFT_PhysicalDisk.MediaType values.
 constexpr uint32_t kMediaUnspecified = 0;
@@ -80,7 +79,7 @@ int Disk::GetPhysicDiskNumbers() {
   return CallGuarded(0, [&] {
     std::array<unsigned char, 4> buffer{};
     uint32_t returned = 0;
-    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, info::kDiskCount, buffer.data(), 4,
+    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, HAL_DISK_INFO_COUNT, buffer.data(), 4,
                              &returned)) {
       return 0;
     }
@@ -93,28 +92,28 @@ int Disk::GetPhysicDiskNumbers() {
 uint64_t Disk::GetTotalCapacity(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(info::kDiskSizeMiB, index, value) ? value : 0;
+    return Number(HAL_DISK_INFO_SIZE_MIB, index, value) ? value : 0;
   });
 }
 
 uint64_t Disk::GetTotalVendorCapacity(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(info::kDiskSizeDecimalGB, index, value) ? value : 0;
+    return Number(HAL_DISK_INFO_SIZE_DECIMAL_GB, index, value) ? value : 0;
   });
 }
 
 uint64_t Disk::GetTotalVendorCapacityM(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(info::kDiskSizeDecimalMB, index, value) ? value : 0;
+    return Number(HAL_DISK_INFO_SIZE_DECIMAL_MB, index, value) ? value : 0;
   });
 }
 
 uint64_t Disk::GetRemainCapacity(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(info::kDiskFreeMiB, index, value) ? value : 0;
+    return Number(HAL_DISK_INFO_FREE_MIB, index, value) ? value : 0;
   });
 }
 
@@ -143,26 +142,26 @@ uint64_t Disk::GetAllUsedCapacity() {
 }
 
 std::wstring Disk::GetCaption(int index) {
-  return CallGuarded(std::wstring{}, [&] { return Text(info::kDiskCaption, index); });
+  return CallGuarded(std::wstring{}, [&] { return Text(HAL_DISK_INFO_CAPTION, index); });
 }
 
 std::wstring Disk::GetFirmwareRevision(int index) {
-  return CallGuarded(std::wstring{}, [&] { return Text(info::kDiskFirmwareRevision, index); });
+  return CallGuarded(std::wstring{}, [&] { return Text(HAL_DISK_INFO_FIRMWARE_REVISION, index); });
 }
 
 std::wstring Disk::GetSerialNumber(int index) {
-  return CallGuarded(std::wstring{}, [&] { return Text(info::kDiskSerialNumber, index); });
+  return CallGuarded(std::wstring{}, [&] { return Text(HAL_DISK_INFO_SERIAL_NUMBER, index); });
 }
 
 std::wstring Disk::GetMediaType(int index) {
   return CallGuarded(std::wstring{}, [&]() -> std::wstring {
     uint64_t media = kMediaUnspecified;
-    if (Number(info::kDiskStorageMediaType, index, media)) {
+    if (Number(HAL_DISK_INFO_STORAGE_MEDIA_TYPE, index, media)) {
       if (media == kMediaSsd) return L"SSD";
       if (media == kMediaHdd) return L"HDD";
       if (media == kMediaScm) return L"SCM";
     }
-    return Text(info::kDiskMediaTypeText, index);
+    return Text(HAL_DISK_INFO_MEDIA_TYPE_TEXT, index);
   });
 }
 
@@ -171,12 +170,12 @@ bool Disk::JudgeSSd(int index, bool& isSsd) {
   return CallGuarded(false, [&] {
     uint64_t value = 0;
     // The media type is the better witness: some hard disks (SMR drives) support TRIM too.
-    if (Number(info::kDiskStorageMediaType, index, value) &&
+    if (Number(HAL_DISK_INFO_STORAGE_MEDIA_TYPE, index, value) &&
         (value == kMediaSsd || value == kMediaHdd)) {
       isSsd = value == kMediaSsd;
       return true;
     }
-    if (Number(info::kDiskTrimEnabled, index, value)) {
+    if (Number(HAL_DISK_INFO_TRIM_ENABLED, index, value)) {
       isSsd = value == 1;
       return true;
     }
@@ -188,7 +187,7 @@ bool Disk::GetSystemDiskIndex(uint32_t& index) {
   return CallGuarded(false, [&] {
     std::array<unsigned char, 4> buffer{};
     uint32_t returned = 0;
-    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, info::kDiskSystemDiskIndex, buffer.data(),
+    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX, buffer.data(),
                              4, &returned)) {
       return false;
     }

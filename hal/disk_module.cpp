@@ -24,7 +24,7 @@ const wchar_t kCimV2[] = L"ROOT\\CIMV2";
 const wchar_t kStorage[] = L"ROOT\\Microsoft\\Windows\\Storage";
 constexpr DWORD kQueryOnly = 0;
 constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
-constexpr uint32_t kLastInfoClass = kDiskSystemDiskIndex;
+constexpr uint32_t kLastInfoClass = HAL_DISK_INFO_SYSTEM_DISK_INDEX;
 
 std::wstring IndexText(const HalDeviceEntry& entry) { return std::to_wstring(entry.index); }
 
@@ -125,8 +125,8 @@ uint32_t QueryGeometry(HalDeviceEntry* entry, uint32_t info_class, void* buffer,
     return 0;
   }
   const uint64_t size = static_cast<uint64_t>(GeometryBytes(geometry));
-  const uint64_t scaled = info_class == kDiskSizeMiB         ? size >> 20
-                          : info_class == kDiskSizeDecimalGB ? size / 1000000000
+  const uint64_t scaled = info_class == HAL_DISK_INFO_SIZE_MIB         ? size >> 20
+                          : info_class == HAL_DISK_INFO_SIZE_DECIMAL_GB ? size / 1000000000
                                                              : size / 1000000;
   return WriteNumber(buffer, buffer_size, returned, scaled);
 }
@@ -239,36 +239,36 @@ uint32_t Query(void* raw_entry, uint32_t info_class, void* buffer, uint32_t buff
   if (info_class > kLastInfoClass) return 0;
   auto* entry = static_cast<HalDeviceEntry*>(raw_entry);
   switch (info_class) {
-    case kDiskMediaTypeText:
+    case HAL_DISK_INFO_MEDIA_TYPE_TEXT:
       return QueryWmiText(entry, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '",
                           L"MediaType", buffer, buffer_size, returned);
-    case kDiskCaption:
+    case HAL_DISK_INFO_CAPTION:
       return QueryWmiText(entry, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='",
                           L"Caption", buffer, buffer_size, returned);
-    case kDiskSerialNumber:
+    case HAL_DISK_INFO_SERIAL_NUMBER:
       return QueryWmiText(entry, L"SELECT SerialNumber FROM Win32_DiskDrive WHERE Index='",
                           L"serialNumber", buffer, buffer_size, returned);
-    case kDiskFirmwareRevision:
+    case HAL_DISK_INFO_FIRMWARE_REVISION:
       return QueryWmiText(entry, L"SELECT FirmwareRevision FROM Win32_DiskDrive WHERE Index='",
                           L"FirmwareRevision", buffer, buffer_size, returned);
-    case kDiskSizeMiB:
-    case kDiskSizeDecimalGB:
-    case kDiskSizeDecimalMB:
+    case HAL_DISK_INFO_SIZE_MIB:
+    case HAL_DISK_INFO_SIZE_DECIMAL_GB:
+    case HAL_DISK_INFO_SIZE_DECIMAL_MB:
       return QueryGeometry(entry, info_class, buffer, buffer_size, returned);
-    case kDiskFreeMiB:
+    case HAL_DISK_INFO_FREE_MIB:
       if (entry == nullptr || buffer == nullptr || returned == nullptr || buffer_size < 8) return 0;
       return WriteNumber(buffer, buffer_size, returned, FreeMiBOfVolumesOn(entry->index));
-    case kDiskFreeMiBSecondForm:
+    case HAL_DISK_INFO_FREE_MIB_SECOND_FORM:
       return QueryFreeSecondForm(entry, buffer, buffer_size, returned);
-    case kDiskCount: {
+    case HAL_DISK_INFO_COUNT: {
       if (buffer == nullptr || returned == nullptr || buffer_size < 4) return 0;
       const uint64_t count = CountDisks();
       if (count == 0) return 0;
       return WriteNumber(buffer, buffer_size, returned, static_cast<uint32_t>(count));
     }
-    case kDiskTrimEnabled:
+    case HAL_DISK_INFO_TRIM_ENABLED:
       return QueryTrim(entry, buffer, buffer_size, returned);
-    case kDiskStorageMediaType: {
+    case HAL_DISK_INFO_STORAGE_MEDIA_TYPE: {
       if (entry == nullptr || buffer == nullptr || returned == nullptr || buffer_size < 4) return 0;
       unsigned int media_type = 0;
       if (!WmiQueryFirstUInt(kStorage,
@@ -279,7 +279,7 @@ uint32_t Query(void* raw_entry, uint32_t info_class, void* buffer, uint32_t buff
       }
       return WriteNumber(buffer, buffer_size, returned, uint32_t{media_type});
     }
-    case kDiskSystemDiskIndex: {
+    case HAL_DISK_INFO_SYSTEM_DISK_INDEX: {
       if (buffer == nullptr || returned == nullptr || buffer_size < 4) return 0;
       const std::optional<uint32_t> index = SystemDiskIndex();
       return index ? WriteNumber(buffer, buffer_size, returned, *index) : 0;

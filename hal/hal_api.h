@@ -114,6 +114,81 @@ HAL_STATIC_ASSERT(offsetof(DpDisplayList, displayIndex) == 12, "display index at
 HAL_STATIC_ASSERT(sizeof(DpColorRange) == 20, "DpColorRange is five u32");
 HAL_STATIC_ASSERT(offsetof(DpColorRange, step) == 16, "step at 16");
 
+/*
+ * Information classes, by device class. Each line names the answer's form:
+ *   u32 / u64 / i32: little-endian, *returnedSize = its width (the processor's numbers leave
+ *       *returnedSize alone);
+ *   UTF-16: copied without a NUL, *returnedSize = its bytes, yet 2n + 2 bytes of room needed;
+ *   ANSI+NUL: ANSI code page, copied with its NUL; the buffer must be longer than the text;
+ *   ANSI: ANSI code page without a NUL (pass a zeroed buffer), buffer longer than the text.
+ * "empty fails" marks a text class whose empty answer is a failure; elsewhere it is 0 bytes.
+ */
+
+/* Class 0 and CpuQueryInformation: the processor. Clocks in MHz, caches in KiB. */
+#define HAL_CPU_INFO_VENDOR 0u              /* ANSI+NUL, empty fails */
+#define HAL_CPU_INFO_NAME 1u                /* ANSI+NUL, empty fails */
+#define HAL_CPU_INFO_L1_ASSOCIATIVITY 2u    /* ANSI+NUL, e.g. "8-way" */
+#define HAL_CPU_INFO_L2_ASSOCIATIVITY 3u    /* ANSI+NUL */
+#define HAL_CPU_INFO_L3_ASSOCIATIVITY 4u    /* ANSI+NUL */
+#define HAL_CPU_INFO_EXTENDED_LEAF_PROBE 6u /* u32, always 0 when answered */
+#define HAL_CPU_INFO_CURRENT_CLOCK 7u       /* u32 */
+#define HAL_CPU_INFO_EXTERNAL_CLOCK 8u      /* u32 */
+#define HAL_CPU_INFO_MAX_CLOCK 9u           /* u32 */
+#define HAL_CPU_INFO_CORES 10u              /* u32 */
+#define HAL_CPU_INFO_LOGICAL_PROCESSORS 11u /* u32 */
+#define HAL_CPU_INFO_L1_CACHE_SIZE 12u      /* u32 */
+#define HAL_CPU_INFO_L2_CACHE_SIZE 13u      /* u32 */
+#define HAL_CPU_INFO_L3_CACHE_SIZE 14u      /* u32 */
+#define HAL_CPU_INFO_LOAD_PERCENTAGE 17u    /* u32; an idle 0 fails */
+#define HAL_CPU_INFO_TYPE 18u               /* u32: 0 unknown, 1 Intel, 2 AMD, 3 Snapdragon */
+
+/* Class 3: the default audio endpoints. Queries and HalSetInformation: */
+#define HAL_AUDIO_INFO_SPEAKER_VOLUME 0u  /* i32 percent; set: i32 level, u8 relative flag */
+#define HAL_AUDIO_INFO_SPEAKER_MUTE 1u    /* u32 0 or 1 */
+#define HAL_AUDIO_INFO_MICROPHONE_MUTE 2u /* u32 0 or 1 */
+/* HalSetCallback's endpoint numbers (note the other order). */
+#define HAL_AUDIO_ENDPOINT_MICROPHONE 0u
+#define HAL_AUDIO_ENDPOINT_SPEAKER 1u
+
+/* Class 5: physical disks. */
+#define HAL_DISK_INFO_MEDIA_TYPE_TEXT 0u        /* UTF-16 */
+#define HAL_DISK_INFO_CAPTION 1u                /* UTF-16 */
+#define HAL_DISK_INFO_SERIAL_NUMBER 2u          /* UTF-16 */
+#define HAL_DISK_INFO_SIZE_MIB 3u               /* u64 */
+#define HAL_DISK_INFO_FREE_MIB 4u               /* u64 */
+#define HAL_DISK_INFO_SIZE_DECIMAL_GB 5u        /* u64 */
+#define HAL_DISK_INFO_SIZE_DECIMAL_MB 6u        /* u64 */
+#define HAL_DISK_INFO_COUNT 7u                  /* u32 */
+#define HAL_DISK_INFO_FREE_MIB_SECOND_FORM 8u   /* u64; a short buffer is zeroed */
+#define HAL_DISK_INFO_FIRMWARE_REVISION 9u      /* UTF-16 */
+#define HAL_DISK_INFO_TRIM_ENABLED 10u          /* u32 0 or 1 */
+#define HAL_DISK_INFO_STORAGE_MEDIA_TYPE 11u    /* u32: 3 HDD, 4 SSD, 5 SCM */
+#define HAL_DISK_INFO_SYSTEM_DISK_INDEX 12u     /* u32 */
+
+/* Class 6 and BtQueryInformation: the battery. mWh, mV, mW. */
+#define HAL_BATTERY_INFO_PRESENT 0u               /* u32 1 */
+#define HAL_BATTERY_INFO_MANUFACTURER 1u          /* ANSI+NUL */
+#define HAL_BATTERY_INFO_DEVICE_NAME 2u           /* ANSI+NUL */
+#define HAL_BATTERY_INFO_REMAINING_CAPACITY 3u    /* u32 */
+#define HAL_BATTERY_INFO_FULL_CHARGE_CAPACITY 4u  /* u32 */
+#define HAL_BATTERY_INFO_DESIGN_CAPACITY 5u       /* u32 */
+#define HAL_BATTERY_INFO_AC_LINE_STATUS 6u        /* u32: 0 offline, 1 online, 255 unknown */
+#define HAL_BATTERY_INFO_VOLTAGE 7u               /* u32 */
+#define HAL_BATTERY_INFO_LOSS 8u                  /* u32, hundredths of a percent */
+#define HAL_BATTERY_INFO_DISCHARGE_RATE 9u        /* u32 */
+#define HAL_BATTERY_INFO_CHARGE_RATE 10u          /* u32 */
+/* HalSetInformation(6) and BtSetInformation: two threshold bytes, first then second. */
+#define HAL_BATTERY_SET_CHARGE_THRESHOLD 12u
+
+/* Class 11 and MmQueryInformation: memory modules. */
+#define HAL_MEMORY_INFO_COUNT 0u          /* u32 */
+#define HAL_MEMORY_INFO_LOCATOR 1u        /* ANSI, empty fails */
+#define HAL_MEMORY_INFO_MANUFACTURER 2u   /* ANSI, empty fails */
+#define HAL_MEMORY_INFO_SERIAL_NUMBER 3u  /* ANSI, empty fails */
+#define HAL_MEMORY_INFO_PART_NUMBER 4u    /* ANSI, empty fails */
+#define HAL_MEMORY_INFO_CAPACITY 5u       /* u64 bytes */
+#define HAL_MEMORY_INFO_SPEED 6u          /* u32, as WMI reports it */
+
 /* Core Audio's callback interface; the same tag Windows' headers use in C and C++. */
 struct IAudioEndpointVolumeCallback;
 

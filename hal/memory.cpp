@@ -12,12 +12,6 @@
 
 using velhal::CallGuarded;
 
-namespace {
-
-constexpr unsigned long kCountClass = 0, kLocatorClass = 1, kManufacturerClass = 2,
-                        kSerialClass = 3, kPartClass = 4, kCapacityClass = 5, kSpeedClass = 6;
-
-}  // namespace
 
 Memory::Memory() : list_(nullptr) {}
 
@@ -47,7 +41,7 @@ int Memory::GetMemoryNums(uint32_t& count) {
   return CallGuarded(0, [&] {
     if (!Open()) return 0;
     uint32_t returned = 0;
-    return MmQueryInformation(nullptr, kCountClass, &count, sizeof(count), &returned) ? 1 : 0;
+    return MmQueryInformation(nullptr, HAL_MEMORY_INFO_COUNT, &count, sizeof(count), &returned) ? 1 : 0;
   });
 }
 
@@ -82,16 +76,16 @@ int Memory::GetStringInfoByIndex(std::wstring& text, int index, unsigned long in
 }
 
 int Memory::GetLocatorbyIndex(std::wstring& text, int index) {
-  return GetStringInfoByIndex(text, index, kLocatorClass);
+  return GetStringInfoByIndex(text, index, HAL_MEMORY_INFO_LOCATOR);
 }
 int Memory::GetManufacturerbyIndex(std::wstring& text, int index) {
-  return GetStringInfoByIndex(text, index, kManufacturerClass);
+  return GetStringInfoByIndex(text, index, HAL_MEMORY_INFO_MANUFACTURER);
 }
 int Memory::GetSerialNumberbyIndex(std::wstring& text, int index) {
-  return GetStringInfoByIndex(text, index, kSerialClass);
+  return GetStringInfoByIndex(text, index, HAL_MEMORY_INFO_SERIAL_NUMBER);
 }
 int Memory::GetPartNumberbyIndex(std::wstring& text, int index) {
-  return GetStringInfoByIndex(text, index, kPartClass);
+  return GetStringInfoByIndex(text, index, HAL_MEMORY_INFO_PART_NUMBER);
 }
 
 int Memory::GetUintInfoByIndex(uint64_t& value, int index, unsigned long infoClass) {
@@ -108,12 +102,12 @@ int Memory::GetUintInfoByIndex(uint64_t& value, int index, unsigned long infoCla
 }
 
 int Memory::GetCapacitybyIndex(uint64_t& bytes, int index) {
-  return GetUintInfoByIndex(bytes, index, kCapacityClass);
+  return GetUintInfoByIndex(bytes, index, HAL_MEMORY_INFO_CAPACITY);
 }
 
 int Memory::GetSpeedbyIndex(uint32_t& speed, int index) {
   uint64_t value = 0;
-  const int ok = GetUintInfoByIndex(value, index, kSpeedClass);
+  const int ok = GetUintInfoByIndex(value, index, HAL_MEMORY_INFO_SPEED);
   speed = static_cast<uint32_t>(value);
   return ok;
 }

@@ -20,11 +20,6 @@ namespace {
 const wchar_t kCimV2[] = L"ROOT\\CIMV2";
 constexpr uint64_t kMaxModules = 0x0FFFFFFF;
 
-enum MemoryInfo : uint32_t {
-  kCount = 0, kLocator = 1, kManufacturer = 2, kSerialNumber = 3, kPartNumber = 4,
-  kCapacity = 5, kSpeed = 6, kFirstRejected = 7,
-};
-
 // How the modules are named in the per-field queries.
 struct Modules {
   std::vector<std::wstring> keys;
@@ -101,18 +96,18 @@ uint32_t QueryModule(const HalDeviceEntry* entry, uint32_t info_class, void* buf
   if (entry == nullptr || entry->index >= modules.keys.size()) return 0;
   const std::wstring& key = modules.keys[entry->index];
   switch (info_class) {
-    case kLocator: return WriteModuleText(buffer, buffer_size, returned, key);
-    case kManufacturer:
+    case HAL_MEMORY_INFO_LOCATOR: return WriteModuleText(buffer, buffer_size, returned, key);
+    case HAL_MEMORY_INFO_MANUFACTURER:
       return WriteModuleText(buffer, buffer_size, returned, Field(modules, key, L"Manufacturer"));
-    case kSerialNumber:
+    case HAL_MEMORY_INFO_SERIAL_NUMBER:
       return WriteModuleText(buffer, buffer_size, returned, Field(modules, key, L"SerialNumber"));
-    case kPartNumber:
+    case HAL_MEMORY_INFO_PART_NUMBER:
       return WriteModuleText(buffer, buffer_size, returned, Field(modules, key, L"PartNumber"));
-    case kCapacity: {
+    case HAL_MEMORY_INFO_CAPACITY: {
       const uint64_t bytes = ParseDecimal(Field(modules, key, L"Capacity"));
       return bytes != 0 ? WriteNumber(buffer, buffer_size, returned, bytes) : 0;
     }
-    case kSpeed: {
+    case HAL_MEMORY_INFO_SPEED: {
       const uint64_t speed = ParseDecimal(Field(modules, key, L"Speed"));
       if (speed == 0 || speed >= 0xFFFFFFFF) return 0;
       return WriteNumber(buffer, buffer_size, returned, static_cast<uint32_t>(speed));
@@ -150,10 +145,10 @@ uint32_t MmQueryInformation(HalDeviceEntry* entry, uint32_t infoClass, void* buf
                             uint32_t bufferSize, uint32_t* returnedSize) {
   using namespace velhal::hal;
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
-    if (buffer == nullptr || returnedSize == nullptr || infoClass >= kFirstRejected) return 0;
+    if (buffer == nullptr || returnedSize == nullptr || infoClass >= (HAL_MEMORY_INFO_SPEED + 1)) return 0;
     // One connection serves the enumeration and the field query of this call.
     const velhal::wmi::SessionScope session;
-    if (infoClass == kCount) return QueryCount(buffer, bufferSize, returnedSize);
+    if (infoClass == HAL_MEMORY_INFO_COUNT) return QueryCount(buffer, bufferSize, returnedSize);
     return QueryModule(entry, infoClass, buffer, bufferSize, returnedSize);
   });
 }

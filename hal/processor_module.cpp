@@ -20,11 +20,6 @@ const wchar_t kCimV2[] = L"ROOT\\CIMV2";
 const wchar_t kProcessorKey[] = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
 
 enum CpuType : uint32_t { kUnknown = 0, kIntel = 1, kAmd = 2, kSnapdragon = 3 };
-enum CpuInfo : uint32_t {
-  kVendor = 0, kName = 1, kL1Associativity = 2, kL2Associativity = 3, kL3Associativity = 4,
-  kExtendedProbe = 6, kCurrentClock = 7, kExternalClock = 8, kMaxClock = 9, kCores = 10,
-  kLogicalProcessors = 11, kL1Size = 12, kL2Size = 13, kL3Size = 14, kLoad = 17, kType = 18,
-};
 
 // The last detected type, process-wide. Atomic so that detections on two threads do not race;
 // the value itself is whichever detection finished last.
@@ -62,7 +57,7 @@ std::wstring CacheQuery(const wchar_t* property, uint32_t info_class, uint32_t f
 // The texts keep their trailing blanks: callers compare them as they stand.
 std::wstring AssociativityText(uint32_t info_class) {
   unsigned int value = 0;  // stays 0 when the read fails
-  WmiQueryFirstUInt(kCimV2, CacheQuery(L"Associativity", info_class, kL1Associativity),
+  WmiQueryFirstUInt(kCimV2, CacheQuery(L"Associativity", info_class, HAL_CPU_INFO_L1_ASSOCIATIVITY),
                     L"Associativity", &value);
   switch (value) {
     case 3: return L"Direct Mapped ";
@@ -77,11 +72,11 @@ std::wstring AssociativityText(uint32_t info_class) {
 
 std::wstring Text(int32_t info_class) {
   switch (info_class) {
-    case kVendor: return VendorText();
-    case kName: return NameText();
-    case kL1Associativity:
-    case kL2Associativity:
-    case kL3Associativity: return AssociativityText(static_cast<uint32_t>(info_class));
+    case HAL_CPU_INFO_VENDOR: return VendorText();
+    case HAL_CPU_INFO_NAME: return NameText();
+    case HAL_CPU_INFO_L1_ASSOCIATIVITY:
+    case HAL_CPU_INFO_L2_ASSOCIATIVITY:
+    case HAL_CPU_INFO_L3_ASSOCIATIVITY: return AssociativityText(static_cast<uint32_t>(info_class));
     default: return {};
   }
 }
@@ -112,17 +107,17 @@ std::optional<uint32_t> ExtendedProbe() {
 
 std::optional<uint32_t> Number(uint32_t info_class) {
   switch (info_class) {
-    case kExtendedProbe: return ExtendedProbe();
-    case kCurrentClock: return ProcessorNumber(L"CurrentClockSpeed");
-    case kExternalClock: return ProcessorNumber(L"ExtClock");
-    case kMaxClock: return ProcessorNumber(L"MaxClockSpeed");
-    case kCores: return ProcessorNumber(L"NumberOfCores");
-    case kLogicalProcessors: return ProcessorNumber(L"NumberOfLogicalProcessors");
-    case kL1Size:
-    case kL2Size:
-    case kL3Size: return WmiNumber(CacheQuery(L"InstalledSize", info_class, kL1Size), L"InstalledSize");
-    case kLoad: return ProcessorNumber(L"LoadPercentage");
-    case kType: return DetectCpuType();
+    case HAL_CPU_INFO_EXTENDED_LEAF_PROBE: return ExtendedProbe();
+    case HAL_CPU_INFO_CURRENT_CLOCK: return ProcessorNumber(L"CurrentClockSpeed");
+    case HAL_CPU_INFO_EXTERNAL_CLOCK: return ProcessorNumber(L"ExtClock");
+    case HAL_CPU_INFO_MAX_CLOCK: return ProcessorNumber(L"MaxClockSpeed");
+    case HAL_CPU_INFO_CORES: return ProcessorNumber(L"NumberOfCores");
+    case HAL_CPU_INFO_LOGICAL_PROCESSORS: return ProcessorNumber(L"NumberOfLogicalProcessors");
+    case HAL_CPU_INFO_L1_CACHE_SIZE:
+    case HAL_CPU_INFO_L2_CACHE_SIZE:
+    case HAL_CPU_INFO_L3_CACHE_SIZE: return WmiNumber(CacheQuery(L"InstalledSize", info_class, HAL_CPU_INFO_L1_CACHE_SIZE), L"InstalledSize");
+    case HAL_CPU_INFO_LOAD_PERCENTAGE: return ProcessorNumber(L"LoadPercentage");
+    case HAL_CPU_INFO_TYPE: return DetectCpuType();
     default: return std::nullopt;
   }
 }

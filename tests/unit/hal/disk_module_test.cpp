@@ -17,7 +17,6 @@ namespace {
 using velhal::testing::FakeDeviceIo;
 using velhal::testing::FakeValue;
 using velhal::testing::FakeWmi;
-namespace info = velhal::hal;
 
 const std::wstring kCimV2 = L"ROOT\\CIMV2";
 constexpr uint64_t kGiB = 1ull << 30;
@@ -104,40 +103,40 @@ TEST_F(DiskModuleTest, OpenAndCloseManageTheHandleSlot) {
 TEST_F(DiskModuleTest, GeometryIsScaledAndGuardedAgainstOverflow) {
   HalDeviceEntry disk0 = OpenEntry(0), disk1 = OpenEntry(1), disk2 = OpenEntry(2);
   const uint64_t bytes = 100000ull * 255 * 63 * 512;
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, info::kDiskSizeMiB), bytes >> 20);
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, info::kDiskSizeDecimalGB), bytes / 1000000000);
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, info::kDiskSizeDecimalMB), bytes / 1000000);
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk1, info::kDiskSizeMiB), 0u);  // overflow: 0, success
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, info::kDiskSizeMiB), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, HAL_DISK_INFO_SIZE_MIB), bytes >> 20);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, HAL_DISK_INFO_SIZE_DECIMAL_GB), bytes / 1000000000);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, HAL_DISK_INFO_SIZE_DECIMAL_MB), bytes / 1000000);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk1, HAL_DISK_INFO_SIZE_MIB), 0u);  // overflow: 0, success
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_SIZE_MIB), std::nullopt);
 
   // Only exactly TRUE counts; a zero factor gives 0.
   io_.Disk(2).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(10, 0, 63, 512);
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, info::kDiskSizeMiB), 0u);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_SIZE_MIB), 0u);
   io_.Disk(2).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY].result = 2;
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, info::kDiskSizeMiB), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_SIZE_MIB), std::nullopt);
 
   HalDeviceEntry unopened{nullptr, 0, 0};
-  EXPECT_EQ(QueryNumber<uint64_t>(&unopened, info::kDiskSizeMiB), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint64_t>(&unopened, HAL_DISK_INFO_SIZE_MIB), std::nullopt);
   for (HalDeviceEntry* entry : {&disk0, &disk1, &disk2}) HalCloseDevice(HAL_CLASS_DISK, entry);
 }
 
 TEST_F(DiskModuleTest, FreeSpaceSumsTheVolumesOfThisDiskOnly) {
   HalDeviceEntry disk0{nullptr, 0, 0};  // the walk needs no open disk
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, info::kDiskFreeMiB), (10 * kGiB + 123) >> 20);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, HAL_DISK_INFO_FREE_MIB), (10 * kGiB + 123) >> 20);
   HalDeviceEntry disk2{nullptr, 2, 0};
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, info::kDiskFreeMiB), 0u);  // no volume: 0, success
-  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, info::kDiskFreeMiBSecondForm), (10 * kGiB) >> 20);
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_FREE_MIB), 0u);  // no volume: 0, success
+  EXPECT_EQ(QueryNumber<uint64_t>(&disk0, HAL_DISK_INFO_FREE_MIB_SECOND_FORM), (10 * kGiB) >> 20);
 
   // The second form zeroes a short buffer and fails; the first leaves it alone.
   std::array<unsigned char, 4> small;
   small.fill(0xEE);
   uint32_t returned = 99;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk0, info::kDiskFreeMiBSecondForm, small.data(),
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk0, HAL_DISK_INFO_FREE_MIB_SECOND_FORM, small.data(),
                                 4, &returned),
             0u);
   EXPECT_EQ(small, (std::array<unsigned char, 4>{}));
   small.fill(0xEE);
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk0, info::kDiskFreeMiB, small.data(), 4,
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk0, HAL_DISK_INFO_FREE_MIB, small.data(), 4,
                                 &returned),
             0u);
   EXPECT_EQ(small[0], 0xEE);
@@ -147,16 +146,16 @@ TEST_F(DiskModuleTest, FreeSpaceSumsTheVolumesOfThisDiskOnly) {
 
 TEST_F(DiskModuleTest, TrimAsksTheTrimPropertyAndNeedsTheWholeDescriptor) {
   HalDeviceEntry disk0 = OpenEntry(0), disk1 = OpenEntry(1);
-  EXPECT_EQ(QueryNumber<uint32_t>(&disk0, info::kDiskTrimEnabled), 1u);
+  EXPECT_EQ(QueryNumber<uint32_t>(&disk0, HAL_DISK_INFO_TRIM_ENABLED), 1u);
   const std::vector<BYTE>& query = io_.last_input[IOCTL_STORAGE_QUERY_PROPERTY];
   ASSERT_EQ(query.size(), 12u);
   EXPECT_EQ(query[0], 8);  // StorageDeviceTrimProperty
   EXPECT_EQ(query[4], 0);  // PropertyStandardQuery
-  EXPECT_EQ(QueryNumber<uint32_t>(&disk1, info::kDiskTrimEnabled), 0u);
+  EXPECT_EQ(QueryNumber<uint32_t>(&disk1, HAL_DISK_INFO_TRIM_ENABLED), 0u);
   io_.Disk(1).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true, 8);
-  EXPECT_EQ(QueryNumber<uint32_t>(&disk1, info::kDiskTrimEnabled), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint32_t>(&disk1, HAL_DISK_INFO_TRIM_ENABLED), std::nullopt);
   HalDeviceEntry invalid{INVALID_HANDLE_VALUE, 0, 0};
-  EXPECT_EQ(QueryNumber<uint32_t>(&invalid, info::kDiskTrimEnabled), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint32_t>(&invalid, HAL_DISK_INFO_TRIM_ENABLED), std::nullopt);
   HalCloseDevice(HAL_CLASS_DISK, &disk0);
   HalCloseDevice(HAL_CLASS_DISK, &disk1);
 }
@@ -179,33 +178,33 @@ TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
   std::array<wchar_t, 64> text;
   text.fill(L'#');
   uint32_t returned = 0;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskCaption, text.data(), bytes,
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_CAPTION, text.data(), bytes,
                                 &returned),
             0u);
   EXPECT_EQ(text[0], L'#');
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskCaption, text.data(),
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_CAPTION, text.data(),
                                 bytes + 2, &returned),
             1u);
   EXPECT_EQ(returned, bytes);
   EXPECT_EQ(std::wstring(text.data(), caption.size()), caption);
   EXPECT_EQ(text[caption.size()], L'#');
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskMediaTypeText, text.data(),
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_MEDIA_TYPE_TEXT, text.data(),
                                 128, &returned),
             1u);
   // An empty serial is an answer of 0 bytes, its NUL still needing room; a failed query fails.
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskSerialNumber, text.data(), 1,
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_SERIAL_NUMBER, text.data(), 1,
                                 &returned),
             0u);
   returned = 0xA5A5;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskSerialNumber, text.data(), 2,
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_SERIAL_NUMBER, text.data(), 2,
                                 &returned),
             1u);
   EXPECT_EQ(returned, 0u);
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, info::kDiskFirmwareRevision, text.data(),
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_FIRMWARE_REVISION, text.data(),
                                 128, &returned),
             0u);
-  EXPECT_EQ(QueryNumber<uint32_t>(&disk1, info::kDiskStorageMediaType), 4u);
-  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskCount), 3u);
+  EXPECT_EQ(QueryNumber<uint32_t>(&disk1, HAL_DISK_INFO_STORAGE_MEDIA_TYPE), 4u);
+  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_COUNT), 3u);
   EXPECT_EQ(QueryNumber<uint32_t>(&disk1, 13), std::nullopt);
 }
 
@@ -225,22 +224,22 @@ TEST_F(DiskModuleTest, SystemDiskComesFromThePartitionOfTheWindowsVolume) {
                            disk_part + L", Partition #0\"");
   };
   script({d, c}, {partition(L"0"), partition(L"12")});
-  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), 12u);
+  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), 12u);
   // Conversions that fail end as a failed query, never as an exception.
   for (const wchar_t* bad : {L"x", L"99999999999999999999"}) {
     SCOPED_TRACE(testing::Message() << bad);
     script({c}, {partition(bad)});
-    EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), std::nullopt);
+    EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), std::nullopt);
   }
   script({c}, {FakeValue::Text(L"Disk #, Partition")});  // comma right after '#'
-  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), std::nullopt);
   script({d}, {partition(L"0")});  // no partition holds C:
-  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), std::nullopt);
+  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), std::nullopt);
   // No volume labelled "Windows": the empty caption is found at the first position.
   script({d, c}, {partition(L"3"), partition(L"12")});
   wmi_.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
               L"Caption", {});
-  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, info::kDiskSystemDiskIndex), 3u);
+  EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), 3u);
 }
 
 TEST_F(DiskModuleTest, ReadAndWriteMoveThePointerFirst) {
