@@ -6,6 +6,7 @@
 #include <xmllite.h>
 
 #include "platform/com_ptr.h"
+#include "platform/os/file_system.h"
 #include "platform/os/module.h"
 
 namespace velhal::firmware {
@@ -57,7 +58,7 @@ std::optional<std::wstring> ProductAdapterPath(const wchar_t* file) {
 }
 
 bool FileExists(const std::wstring& path) {
-  const DWORD attributes = os::module().GetFileAttributesW(path.c_str());
+  const DWORD attributes = os::file_system().GetFileAttributesW(path.c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 

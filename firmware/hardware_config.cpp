@@ -3,6 +3,8 @@
 #include "core/identity.h"
 #include "firmware/config_files.h"
 #include "platform/boundary.h"
+#include "platform/lazy_instance.h"
+#include "platform/process_state.h"
 #include "platform/string_conversion.h"
 
 using velhal::firmware::ConfigCode;
@@ -13,9 +15,22 @@ HardwareConfig::HardwareConfig() : load_result_(velhal::firmware::kConfigMissing
   load_result_ = code;
 }
 
-const HardwareConfig& HardwareConfig::GetInstance() {
-  static const HardwareConfig instance;
+namespace {
+
+velhal::LazyInstance<HardwareConfig>& Instance() {
+  static velhal::LazyInstance<HardwareConfig> instance;
   return instance;
+}
+
+void ForgetInstance() { Instance().Forget(); }
+
+}  // namespace
+
+const HardwareConfig& HardwareConfig::GetInstance() {
+  return Instance().Get([] {
+    velhal::RegisterProcessStateReset(&ForgetInstance);
+    return std::unique_ptr<HardwareConfig>(new HardwareConfig());
+  });
 }
 
 int HardwareConfig::LoadConfig() {

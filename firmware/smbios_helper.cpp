@@ -9,6 +9,8 @@
 #include "core/identity.h"
 #include "firmware/smbios_reader.h"
 #include "platform/boundary.h"
+#include "platform/lazy_instance.h"
+#include "platform/process_state.h"
 #include "platform/string_conversion.h"
 
 namespace {
@@ -64,9 +66,28 @@ SmBiosHelper::SmBiosHelper()
   });
 }
 
+namespace {
+
+velhal::LazyInstance<SmBiosHelper>& Instance() {
+  static velhal::LazyInstance<SmBiosHelper> instance;
+  return instance;
+}
+
+void ForgetInstance() {
+  Instance().Forget();
+  const std::lock_guard<std::mutex> lock(g_sku_mutex);
+  g_unsupported_skus.clear();
+}
+
+}  // namespace
+
 SmBiosHelper* SmBiosHelper::GetInstance() {
-  static SmBiosHelper instance;
-  return &instance;
+  return velhal::CallGuarded<SmBiosHelper*>(nullptr, [] {
+    return &Instance().Get([] {
+      velhal::RegisterProcessStateReset(&ForgetInstance);
+      return std::unique_ptr<SmBiosHelper>(new SmBiosHelper());
+    });
+  });
 }
 
 // A lookup that finds nothing answers empty and inserts nothing, so readers never race.

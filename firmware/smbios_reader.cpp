@@ -8,8 +8,9 @@
 #include "core/identity.h"
 #include "firmware/config_files.h"
 #include "platform/diagnostics.h"
-#include "platform/os/module.h"
+#include "platform/os/firmware_table.h"
 #include "platform/string_conversion.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace velhal::firmware {
@@ -17,7 +18,6 @@ namespace {
 
 constexpr DWORD kRawSmbiosProvider = 0x52534D42;  // 'RSMB'
 constexpr uint64_t kMaxWmiBytes = 0xFFFFFFFF;
-using GetSystemFirmwareTableFn = UINT(WINAPI*)(DWORD, DWORD, void*, DWORD);
 
 void NoteOemCounts(const smbios::Fields& fields) {
   for (const uint8_t count : fields.oem_string_counts) {
@@ -28,7 +28,7 @@ void NoteOemCounts(const smbios::Fields& fields) {
 
 // Only where the firmware-table function does not exist: no header, so no versions.
 void ReadFromWmi(SmBiosSnapshot& snapshot) {
-  VelSDK::WmiQuery wmi(L"ROOT\\WMI");
+  VelSDK::WmiQuery wmi(wmi::kRootWmi);
   std::vector<unsigned char> bytes;
   if (wmi.ExcuteQuery(L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData", bytes,
                       false) != 0 ||
@@ -42,19 +42,17 @@ void ReadFromWmi(SmBiosSnapshot& snapshot) {
 
 SmBiosSnapshot ReadSmBios() {
   SmBiosSnapshot snapshot;
-  const HMODULE kernel32 = os::module().GetModuleHandleW(L"kernel32");
-  const auto get_table = reinterpret_cast<GetSystemFirmwareTableFn>(reinterpret_cast<void*>(
-      kernel32 ? os::module().GetProcAddress(kernel32, "GetSystemFirmwareTable") : nullptr));
-  if (get_table == nullptr) {
+  os::FirmwareTable& firmware = os::firmware_table();
+  if (!firmware.IsAvailable()) {
     ReadFromWmi(snapshot);
     NoteOemCounts(snapshot.fields);
     return snapshot;
   }
-  const UINT size = get_table(kRawSmbiosProvider, 0, nullptr, 0);
+  const UINT size = firmware.GetSystemFirmwareTable(kRawSmbiosProvider, 0, nullptr, 0);
   if (size == 0) return snapshot;
   const std::unique_ptr<uint8_t[]> table(new (std::nothrow) uint8_t[size]);
   if (!table) return snapshot;
-  if (get_table(kRawSmbiosProvider, 0, table.get(), size) != size) {
+  if (firmware.GetSystemFirmwareTable(kRawSmbiosProvider, 0, table.get(), size) != size) {
     // No WMI fallback here: that serves only systems without the function.
     WriteDiagnostic("getSystemFirmwareTable error", "SmBiosHelper::Init");
     return snapshot;

@@ -7,7 +7,9 @@
 
 #include "firmware/smbios_helper.h"
 #include "platform/boundary.h"
+#include "platform/process_state.h"
 #include "platform/string_conversion.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace {
@@ -20,14 +22,25 @@ std::wstring g_source_serial;
 std::mutex g_result_mutex;
 std::string g_result_serial;
 
+void ForgetSerials() {
+  {
+    const std::lock_guard<std::mutex> lock(g_source_mutex);
+    g_source_serial.clear();
+  }
+  const std::lock_guard<std::mutex> lock(g_result_mutex);
+  g_result_serial.clear();
+}
+
 std::wstring SerialSource() {
+  static const bool registered = (velhal::RegisterProcessStateReset(&ForgetSerials), true);
+  (void)registered;
   {
     const std::lock_guard<std::mutex> lock(g_source_mutex);
     if (!g_source_serial.empty()) return g_source_serial;
   }
   std::wstring serial = SmBiosHelper::GetInstance()->GetSysSerialNumber();
   if (serial.empty()) {
-    VelSDK::WmiQuery wmi(L"ROOT\\CIMV2");
+    VelSDK::WmiQuery wmi(velhal::wmi::kCimV2);
     std::vector<std::wstring> values;
     if (wmi.ExcuteQuery(L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber", values, false) == 0) {
       serial = values.front();

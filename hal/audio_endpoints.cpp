@@ -8,19 +8,18 @@
 #include <cstring>
 
 #include "hal/query_output.h"
+#include "platform/device_classes.h"
 #include "platform/device_informention.h"
 #include "platform/os/audio.h"
 #include "platform/os/com.h"
+#include "platform/process_state.h"
 
 namespace velhal::hal {
 namespace {
 
-constexpr GUID kMediaClass{0x4d36e96c, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
 constexpr wchar_t kControllerVendor[] = L"VEN_10EC";
 constexpr uint64_t kMaxControllers = 0x0FFFFFFF;
 
-enum InfoClass : uint32_t { kSpeakerVolume = 0, kSpeakerMute = 1, kMicrophoneMute = 2 };
-enum CallbackEndpoint : uint32_t { kCallbackMicrophone = 0, kCallbackSpeaker = 1 };
 
 struct Endpoint {
   IAudioEndpointVolume* volume = nullptr;
@@ -36,7 +35,7 @@ Endpoint& EndpointOf(EDataFlow flow) { return flow == eRender ? g_render : g_cap
 int32_t PercentOf(float scalar) { return static_cast<int32_t>(std::roundf(scalar * 100.0f)); }
 
 uint32_t Init(void* list) {
-  const std::vector<std::wstring> ids = DeviceInformention().GetDeviceHardwareId(kMediaClass);
+  const std::vector<std::wstring> ids = DeviceInformention().GetDeviceHardwareId(device_class::kMedia);
   const uint64_t count = std::count_if(ids.begin(), ids.end(), [](const std::wstring& id) {
     return id.find(kControllerVendor) != std::wstring::npos;
   });
@@ -66,6 +65,15 @@ uint32_t Close(HalDeviceEntry* /*entry*/) {
   return 1;
 }
 
+void ReleaseEndpoints() { Close(nullptr); }
+
+// The endpoints and callbacks are process-wide state: a test reset releases them as
+// HalCloseDevice(3) does.
+void RegisterReset() {
+  static const bool registered = (RegisterProcessStateReset(&ReleaseEndpoints), true);
+  (void)registered;
+}
+
 uint32_t QueryMute(const Endpoint& endpoint, void* buffer, uint32_t* returned) {
   BOOL muted = FALSE;
   if (endpoint.volume == nullptr || FAILED(endpoint.volume->GetMute(&muted))) return 0;
@@ -80,14 +88,14 @@ uint32_t QueryMute(const Endpoint& endpoint, void* buffer, uint32_t* returned) {
 uint32_t Query(void* /*entry*/, uint32_t info_class, void* buffer, uint32_t buffer_size,
                uint32_t* returned) {
   switch (info_class) {
-    case kSpeakerVolume: {
+    case HAL_AUDIO_INFO_SPEAKER_VOLUME: {
       if (buffer_size < 4 || buffer == nullptr || returned == nullptr || !g_render.volume) return 0;
       float scalar = 0;
       if (FAILED(g_render.volume->GetMasterVolumeLevelScalar(&scalar))) return 0;
       return WriteNumber(buffer, buffer_size, returned, PercentOf(scalar));
     }
-    case kSpeakerMute: return QueryMute(g_render, buffer, returned);
-    case kMicrophoneMute: return QueryMute(g_capture, buffer, returned);
+    case HAL_AUDIO_INFO_SPEAKER_MUTE: return QueryMute(g_render, buffer, returned);
+    case HAL_AUDIO_INFO_MICROPHONE_MUTE: return QueryMute(g_capture, buffer, returned);
     default: return 0;
   }
 }
@@ -132,9 +140,9 @@ uint32_t Set(void* entry, uint32_t info_class, void* buffer, uint32_t buffer_siz
              uint32_t* /*returned*/) {
   if (entry == nullptr) return 0;  // otherwise unused, but required
   switch (info_class) {
-    case kSpeakerVolume: return SetSpeakerVolume(buffer, buffer_size);
-    case kSpeakerMute: return SetMute(g_render, buffer, buffer_size);
-    case kMicrophoneMute: return SetMute(g_capture, buffer, buffer_size);
+    case HAL_AUDIO_INFO_SPEAKER_VOLUME: return SetSpeakerVolume(buffer, buffer_size);
+    case HAL_AUDIO_INFO_SPEAKER_MUTE: return SetMute(g_render, buffer, buffer_size);
+    case HAL_AUDIO_INFO_MICROPHONE_MUTE: return SetMute(g_capture, buffer, buffer_size);
     default: return 0;
   }
 }
@@ -144,9 +152,12 @@ uint32_t SetCallback(uint32_t endpoint_number, IAudioEndpointVolumeCallback* cal
   if (callback == nullptr) return 0;
   // Numbered unlike the information classes: 0 is the microphone, 1 the speaker. Any other
   // number succeeds without effect; callers rely on both.
-  if (endpoint_number != kCallbackMicrophone && endpoint_number != kCallbackSpeaker) return 1;
-  Endpoint& endpoint = endpoint_number == kCallbackSpeaker ? g_render : g_capture;
-  endpoint.callback = callback;  // an earlier one is replaced, not released
+  if (endpoint_number != HAL_AUDIO_ENDPOINT_MICROPHONE && endpoint_number != HAL_AUDIO_ENDPOINT_SPEAKER) return 1;
+  Endpoint& endpoint = endpoint_number == HAL_AUDIO_ENDPOINT_SPEAKER ? g_render : g_capture;
+  RegisterReset();
+  // An earlier callback is replaced, neither released nor unregistered: hosts that register
+  // twice keep the first registration alive and rely on it.
+  endpoint.callback = callback;
   if (endpoint.volume == nullptr) return 0;
   endpoint.volume->RegisterControlChangeNotify(callback);
   return 1;
@@ -157,6 +168,7 @@ uint32_t SetCallback(uint32_t endpoint_number, IAudioEndpointVolumeCallback* cal
 HRESULT OpenAudioEndpoint(EDataFlow flow) {
   Endpoint& endpoint = EndpointOf(flow);
   if (endpoint.volume != nullptr) return S_FALSE;
+  RegisterReset();
   const HRESULT hr = os::com().CoCreateGuid(&endpoint.event_context);
   if (FAILED(hr)) return hr;
   return os::audio().ActivateDefaultEndpointVolume(flow, eConsole, &endpoint.volume);

@@ -14,17 +14,17 @@
 #include "hal/hal_api.h"
 #include "hal/query_output.h"
 #include "platform/boundary.h"
+#include "platform/device_classes.h"
 #include "platform/device_interfaces.h"
 #include "platform/os/device_io.h"
 #include "platform/os/power.h"
-#include "platform/unique_resource.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace velhal::hal {
 namespace {
 
-const wchar_t kRootWmi[] = L"ROOT\\WMI";
-constexpr GUID kBatteryInterface{0x72631e54, 0x78a4, 0x11d0, {0xbc, 0xf7, 0x00, 0xaa, 0x00, 0xb7, 0xb3, 0x2a}};
+using wmi::kRootWmi;
 constexpr int kPowerStatusAttempts = 3;
 constexpr int kBatteryStateAttempts = 4;
 constexpr BYTE kNoSystemBattery = 128;
@@ -62,7 +62,7 @@ struct BatteryDevice {
   ULONG tag = 0;
 
   static std::optional<BatteryDevice> Open() {
-    const std::optional<std::wstring> path = FirstDeviceInterfacePath(kBatteryInterface);
+    const std::optional<std::wstring> path = FirstDeviceInterfacePath(device_interface::kBattery);
     if (!path) return std::nullopt;
     BatteryDevice device;
     device.handle = UniqueFileHandle(os::device_io().CreateFileW(

@@ -7,16 +7,25 @@
 #include "hal/processor_module.h"
 
 namespace velhal::hal {
-// One row per device class; a class without a row fails every entry point.
+namespace {
+
+constexpr ClassRoute kRoutes[] = {
+    {HAL_CLASS_PROCESSOR, ProcessorModule},
+    {HAL_CLASS_AUDIO_ENDPOINTS, AudioEndpointsModule},
+    {HAL_CLASS_DISK, DiskModule},
+    {HAL_CLASS_BATTERY, BatteryModule},
+    {HAL_CLASS_MEMORY, MemoryModule},
+};
+
+}  // namespace
+
+std::span<const ClassRoute> ClassRoutes() noexcept { return kRoutes; }
+
 const ClassModule* FindClassModule(HalDeviceClass device_class) noexcept {
-  switch (device_class) {
-    case HAL_CLASS_PROCESSOR: return &ProcessorModule();
-    case HAL_CLASS_AUDIO_ENDPOINTS: return &AudioEndpointsModule();
-    case HAL_CLASS_DISK: return &DiskModule();
-    case HAL_CLASS_BATTERY: return &BatteryModule();
-    case HAL_CLASS_MEMORY: return &MemoryModule();
-    default: return nullptr;
+  for (const ClassRoute& route : kRoutes) {
+    if (route.device_class == device_class) return &route.module();
   }
+  return nullptr;
 }
 
 }  // namespace velhal::hal

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "hal/hal_api.h"
 
@@ -25,6 +26,13 @@ struct ClassModule {
   uint32_t (*set_callback)(uint32_t endpoint, IAudioEndpointVolumeCallback* callback,
                            void* context) = nullptr;
 };
+
+// One row per device class that has a module; every other class fails each entry point.
+struct ClassRoute {
+  HalDeviceClass device_class;
+  const ClassModule& (*module)();
+};
+std::span<const ClassRoute> ClassRoutes() noexcept;
 
 // The module that owns a class, or null for a class nobody answers.
 const ClassModule* FindClassModule(HalDeviceClass device_class) noexcept;

@@ -13,6 +13,7 @@
 #include "hal/query_output.h"
 #include "platform/os/device_io.h"
 #include "platform/wmi_engine.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace velhal::hal {
@@ -20,8 +21,8 @@ namespace {
 
 using os::device_io;
 
-const wchar_t kCimV2[] = L"ROOT\\CIMV2";
-const wchar_t kStorage[] = L"ROOT\\Microsoft\\Windows\\Storage";
+using wmi::kCimV2;
+using wmi::kStorage;
 constexpr DWORD kQueryOnly = 0;
 constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
 constexpr uint32_t kLastInfoClass = HAL_DISK_INFO_SYSTEM_DISK_INDEX;

@@ -7,7 +7,7 @@
 
 #include "hal/hal_api.h"
 #include "platform/boundary.h"
-#include "platform/os/power.h"
+#include "platform/os/system_info.h"
 #include "platform/string_conversion.h"
 
 using velhal::CallGuarded;
@@ -119,7 +119,7 @@ unsigned long Memory::GetMemoryLoad() {
     Open();
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);  // 64
-    return velhal::os::power().GlobalMemoryStatusEx(&status) ? status.dwMemoryLoad : 0;
+    return velhal::os::system_info().GlobalMemoryStatusEx(&status) ? status.dwMemoryLoad : 0;
   });
 }
 
@@ -128,7 +128,7 @@ float Memory::GetMemoryLoadF() {
     Open();
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);
-    if (!velhal::os::power().GlobalMemoryStatusEx(&status) || status.ullTotalPhys <= 10000) {
+    if (!velhal::os::system_info().GlobalMemoryStatusEx(&status) || status.ullTotalPhys <= 10000) {
       return 0.0f;
     }
     // In ten-thousandths, with integer divisions: the precision callers have always seen.

@@ -12,12 +12,13 @@
 #include "platform/boundary.h"
 #include "platform/string_conversion.h"
 #include "platform/wmi_engine.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace velhal::hal {
 namespace {
 
-const wchar_t kCimV2[] = L"ROOT\\CIMV2";
+using wmi::kCimV2;
 constexpr uint64_t kMaxModules = 0x0FFFFFFF;
 
 // How the modules are named in the per-field queries.

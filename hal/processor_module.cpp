@@ -9,14 +9,15 @@
 #include "hal/hal_api.h"
 #include "hal/query_output.h"
 #include "platform/boundary.h"
-#include "platform/os/power.h"
+#include "platform/os/system_info.h"
 #include "platform/read_reg.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace velhal::hal {
 namespace {
 
-const wchar_t kCimV2[] = L"ROOT\\CIMV2";
+using wmi::kCimV2;
 const wchar_t kProcessorKey[] = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
 
 enum CpuType : uint32_t { kUnknown = 0, kIntel = 1, kAmd = 2, kSnapdragon = 3 };
@@ -99,9 +100,9 @@ std::optional<uint32_t> ExtendedProbe() {
   const uint32_t type = g_cpu_type.load();
   if (type != kIntel && type != kAmd) return std::nullopt;
   int registers[4] = {};
-  os::power().Cpuid(registers, static_cast<int>(0x80000000));
+  os::system_info().Cpuid(registers, static_cast<int>(0x80000000));
   if (registers[0] < static_cast<int>(0x80000008)) return std::nullopt;
-  os::power().Cpuid(registers, static_cast<int>(0x80000008));
+  os::system_info().Cpuid(registers, static_cast<int>(0x80000008));
   return 0;
 }
 

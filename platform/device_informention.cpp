@@ -10,7 +10,6 @@
 #include "platform/boundary.h"
 #include "platform/device_property_keys.h"
 #include "platform/os/device_database.h"
-#include "platform/unique_resource.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "platform/os/device_database.h"
-#include "platform/unique_resource.h"
 
 namespace velhal {
 

@@ -7,7 +7,6 @@
 
 #include "platform/boundary.h"
 #include "platform/os/registry.h"
-#include "platform/unique_resource.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "platform/boundary.h"
 #include "platform/os/service_control.h"
 #include "platform/os/timing.h"
-#include "platform/unique_resource.h"
+#include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
 
 namespace {
@@ -13,7 +13,7 @@ namespace {
 using velhal::UniqueServiceHandle;
 using velhal::os::service_control;
 
-const wchar_t kCimV2[] = L"ROOT\\CIMV2";
+using velhal::wmi::kCimV2;
 constexpr DWORD kStartAccess =
     SERVICE_QUERY_STATUS | SERVICE_START | SERVICE_STOP | SERVICE_PAUSE_CONTINUE;  // 0x74
 constexpr DWORD kStopAccess = SERVICE_QUERY_STATUS | SERVICE_START | SERVICE_STOP;  // 0x34

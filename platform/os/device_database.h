@@ -10,6 +10,7 @@
 #include <setupapi.h>
 
 #include "platform/os/seam.h"
+#include "platform/unique_resource.h"
 
 namespace velhal::os {
 
@@ -54,3 +55,19 @@ class DeviceDatabase {
 inline DeviceDatabase& device_database() noexcept { return Seam<DeviceDatabase>::Get(); }
 
 }  // namespace velhal::os
+
+namespace velhal {
+
+struct DeviceInfoSetTraits {
+  using Handle = HDEVINFO;
+  static HDEVINFO Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+  static bool IsValid(HDEVINFO set) noexcept {
+    return set != INVALID_HANDLE_VALUE && set != nullptr;
+  }
+  static void Close(HDEVINFO set) noexcept {
+    os::device_database().SetupDiDestroyDeviceInfoList(set);
+  }
+};
+using UniqueDeviceInfoSet = UniqueResource<DeviceInfoSetTraits>;
+
+}  // namespace velhal

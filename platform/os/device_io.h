@@ -4,6 +4,7 @@
 
 #include "platform/win32.h"
 #include "platform/os/seam.h"
+#include "platform/unique_resource.h"
 
 namespace velhal::os {
 
@@ -36,3 +37,17 @@ class DeviceIo {
 inline DeviceIo& device_io() noexcept { return Seam<DeviceIo>::Get(); }
 
 }  // namespace velhal::os
+
+namespace velhal {
+
+struct FileHandleTraits {
+  using Handle = HANDLE;
+  static HANDLE Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+  static bool IsValid(HANDLE handle) noexcept {
+    return handle != INVALID_HANDLE_VALUE && handle != nullptr;
+  }
+  static void Close(HANDLE handle) noexcept { os::device_io().CloseHandle(handle); }
+};
+using UniqueFileHandle = UniqueResource<FileHandleTraits>;
+
+}  // namespace velhal

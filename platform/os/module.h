@@ -1,5 +1,7 @@
-// Module facility: procedure lookup, the library's own file name, file existence, and loading
-// system DLLs that are bound at run time.
+// Module facility: the loader's calls: loading system and vendor libraries bound at run time,
+// module handles, procedure lookup, the library's own file name. Functions some Windows
+// versions (or Wine) lack are found here by name, so a missing one is a failed call instead of
+// a load failure.
 #pragma once
 
 #include "platform/win32.h"
@@ -9,11 +11,12 @@ namespace velhal::os {
 
 class Module {
  public:
+  virtual HMODULE LoadLibraryExW(const wchar_t* path, HANDLE reserved, DWORD flags) = 0;
+  virtual BOOL FreeLibrary(HMODULE module) = 0;
   virtual HMODULE GetModuleHandleW(const wchar_t* name) = 0;
   virtual FARPROC GetProcAddress(HMODULE module, const char* name) = 0;
   virtual BOOL GetModuleHandleExW(DWORD flags, const wchar_t* name, HMODULE* module) = 0;
   virtual DWORD GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD size) = 0;
-  virtual DWORD GetFileAttributesW(const wchar_t* path) = 0;
 
   static Module& Real() noexcept;
 

@@ -1,5 +1,4 @@
-// Power facility: power status, battery state, memory status and CPUID, the readings the
-// processor, memory and battery modules take straight from the system.
+// Power facility: the power-management readings of the system (power status, battery state).
 #pragma once
 
 #include "platform/win32.h"
@@ -16,9 +15,6 @@ class Power {
   virtual BOOL GetSystemPowerStatus(SYSTEM_POWER_STATUS* status) = 0;
   virtual LONG CallNtPowerInformation(POWER_INFORMATION_LEVEL level, void* in, ULONG in_size,
                                       void* out, ULONG out_size) = 0;
-  virtual BOOL GlobalMemoryStatusEx(MEMORYSTATUSEX* status) = 0;
-  // CPUID of leaf into eax, ebx, ecx, edx.
-  virtual void Cpuid(int registers[4], int leaf) = 0;
 
   static Power& Real() noexcept;
 

@@ -3,6 +3,7 @@
 
 #include "platform/win32.h"
 #include "platform/os/seam.h"
+#include "platform/unique_resource.h"
 
 namespace velhal::os {
 
@@ -25,3 +26,16 @@ class Registry {
 inline Registry& registry() noexcept { return Seam<Registry>::Get(); }
 
 }  // namespace velhal::os
+
+namespace velhal {
+
+struct RegistryKeyTraits {
+  using Handle = HKEY;
+  static HKEY Invalid() noexcept { return nullptr; }
+  static bool IsValid(HKEY key) noexcept { return key != nullptr; }
+  static void Close(HKEY key) noexcept { os::registry().RegCloseKey(key); }
+};
+// Never adopt a predefined root such as HKEY_LOCAL_MACHINE: it would be closed.
+using UniqueRegistryKey = UniqueResource<RegistryKeyTraits>;
+
+}  // namespace velhal

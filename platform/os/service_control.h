@@ -6,6 +6,7 @@
 #include <winsvc.h>
 
 #include "platform/os/seam.h"
+#include "platform/unique_resource.h"
 
 namespace velhal::os {
 
@@ -28,3 +29,17 @@ class ServiceControl {
 inline ServiceControl& service_control() noexcept { return Seam<ServiceControl>::Get(); }
 
 }  // namespace velhal::os
+
+namespace velhal {
+
+struct ServiceHandleTraits {
+  using Handle = SC_HANDLE;
+  static SC_HANDLE Invalid() noexcept { return nullptr; }
+  static bool IsValid(SC_HANDLE handle) noexcept { return handle != nullptr; }
+  static void Close(SC_HANDLE handle) noexcept {
+    os::service_control().CloseServiceHandle(handle);
+  }
+};
+using UniqueServiceHandle = UniqueResource<ServiceHandleTraits>;
+
+}  // namespace velhal

@@ -1,6 +1,5 @@
-// Core Audio for class 3: endpoints whose volume and mute a test sets, and callbacks. Both count
-// their references without ever deleting themselves, so a test can read the count at the end:
-// a leak shows as a count above the test's own, a release too many as `over_released`.
+// Core Audio for class 3: endpoints whose volume and mute a test sets, and callbacks, both
+// counting their references (tests/fakes/counted.h).
 #pragma once
 
 #include "platform/win32.h"
@@ -10,34 +9,9 @@
 #include <vector>
 
 #include "platform/os/audio.h"
+#include "tests/fakes/counted.h"
 
 namespace velhal::testing {
-
-template <class Interface>
-class Counted : public Interface {
- public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    if (iid != __uuidof(IUnknown) && iid != __uuidof(Interface)) {
-      *out = nullptr;
-      return E_NOINTERFACE;
-    }
-    *out = static_cast<Interface*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    if (references == 0) {
-      over_released = true;
-      return 0;
-    }
-    return --references;
-  }
-
-  ULONG references = 1;  // the test's own
-  bool over_released = false;
-};
 
 class FakeVolumeCallback final : public Counted<IAudioEndpointVolumeCallback> {
  public:

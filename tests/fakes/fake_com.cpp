@@ -1,17 +1,9 @@
 #include "tests/fakes/fake_com.h"
 
-#include <cwctype>
+#include "tests/fakes/fake_common.h"
 
 namespace velhal::testing {
 namespace {
-
-bool EqualsIgnoringCase(const std::wstring& a, const std::wstring& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::towlower(a[i]) != std::towlower(b[i])) return false;
-  }
-  return true;
-}
 
 // Reference counting shared by the fake objects, reported to the FakeCom.
 template <class Interface>

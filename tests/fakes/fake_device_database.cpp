@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/device_property_keys.h"
+#include "tests/fakes/fake_common.h"
 
 namespace velhal::testing {
 namespace {
@@ -64,11 +65,6 @@ FakeDevice& FakeDeviceDatabase::Add(const GUID& class_guid) {
   devices.back().class_guid = class_guid;
   devices.back().instance_id = L"FAKE\\DEVICE\\" + std::to_wstring(devices.size() - 1);
   return devices.back();
-}
-
-BOOL FakeDeviceDatabase::Fail(DWORD error) {
-  ::SetLastError(error);
-  return FALSE;
 }
 
 const std::vector<size_t>* FakeDeviceDatabase::Members(HDEVINFO set) const {

@@ -94,7 +94,6 @@ class FakeDeviceDatabase final : public os::DeviceDatabase {
 
   const std::vector<size_t>* Members(HDEVINFO set) const;
   FakeDevice* DeviceOf(HDEVINFO set, const SP_DEVINFO_DATA* device);
-  static BOOL Fail(DWORD error);
 };
 
 }  // namespace velhal::testing

@@ -3,22 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "tests/fakes/fake_common.h"
+
 namespace velhal::testing {
-namespace {
-
-BOOL Fail(DWORD error) {
-  ::SetLastError(error);
-  return FALSE;
-}
-
-template <class T>
-std::vector<BYTE> Bytes(const T& value) {
-  std::vector<BYTE> bytes(sizeof(T));
-  std::memcpy(bytes.data(), &value, sizeof(T));
-  return bytes;
-}
-
-}  // namespace
 
 FakeDeviceIo::Device& FakeDeviceIo::Disk(uint32_t number) {
   return devices[L"\\\\.\\PHYSICALDRIVE" + std::to_wstring(number)];

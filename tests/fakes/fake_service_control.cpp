@@ -1,19 +1,9 @@
 #include "tests/fakes/fake_service_control.h"
 
-#include <cwctype>
+#include "tests/fakes/fake_common.h"
 
 namespace velhal::testing {
 namespace {
-
-BOOL Fail(DWORD error) {
-  ::SetLastError(error);
-  return FALSE;
-}
-
-std::wstring Fold(std::wstring text) {
-  for (wchar_t& c : text) c = static_cast<wchar_t>(std::towlower(c));
-  return text;
-}
 
 void Fill(SERVICE_STATUS* status, DWORD state) {
   *status = {};

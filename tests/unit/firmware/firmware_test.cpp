@@ -7,9 +7,8 @@
 #include "firmware/hardware_config.h"
 #include "firmware/smbios_reader.h"
 #include "firmware/system_info.h"
-#include "tests/fakes/fake_debug_output.h"
-#include "tests/fakes/fake_module.h"
-#include "tests/fakes/fake_wmi.h"
+#include "platform/wmi_namespaces.h"
+#include "tests/support/fake_system.h"
 #include "tests/support/smbios_builder.h"
 
 namespace {
@@ -27,10 +26,8 @@ class FirmwareTest : public ::testing::Test {
     ::CreateDirectoryW(folder_.c_str(), nullptr);
     ::CreateDirectoryW((folder_ + L"\\config").c_str(), nullptr);
     ::CreateDirectoryW(adapter_.c_str(), nullptr);
-    module_.library_path = folder_ + L"\\VelHal.dll";
-    module_.has_firmware_table = false;
-    FakeFirmwareTable::table.clear();
-    FakeFirmwareTable::short_by = 0;
+    os_.module.library_path = folder_ + L"\\VelHal.dll";
+    os_.firmware_table.available = false;
   }
   void TearDown() override {
     ::DeleteFileW((adapter_ + L"HardwareConfig.xml").c_str());
@@ -49,17 +46,12 @@ class FirmwareTest : public ::testing::Test {
   }
 
   std::wstring folder_, adapter_;
-  FakeModule module_;
-  FakeWmi wmi_;
-  FakeDebugOutput debug_;
-  velhal::os::ScopedBackend<velhal::os::Module> b1_{module_};
-  velhal::os::ScopedBackend<velhal::os::Wmi> b2_{wmi_};
-  velhal::os::ScopedBackend<velhal::os::DebugOutput> b3_{debug_};
+  FakeSystem os_;
 };
 
 TEST_F(FirmwareTest, TheFirmwareTableIsReadWithItsVersions) {
-  module_.has_firmware_table = true;
-  FakeFirmwareTable::table = SmbiosBuilder()
+  os_.firmware_table.available = true;
+  os_.firmware_table.table = SmbiosBuilder()
                                  .Record(1, {1, 2, 0, 0}, {"Example Computers Ltd.", "Book"})
                                  .Record(11, {5}, {"ABCDEFGHI3x", "b", "c", "d", "e"})
                                  .RawFirmwareTable(3, 4);
@@ -68,34 +60,34 @@ TEST_F(FirmwareTest, TheFirmwareTableIsReadWithItsVersions) {
   EXPECT_EQ(snapshot.minor, 4u);
   EXPECT_EQ(snapshot.fields.system_manufacturer, "Example Computers Ltd.");
   EXPECT_EQ(snapshot.fields.oem_strings.at(1), "ABCDEFGHI3x");
-  EXPECT_EQ(debug_.messages,
+  EXPECT_EQ(os_.debug.messages,
             std::vector<std::wstring>{L"biosType11 stringCount 5(SmBiosHelper::ProcOemString)\n"});
-  EXPECT_TRUE(wmi_.calls.empty());
+  EXPECT_TRUE(os_.wmi.calls.empty());
 }
 
 TEST_F(FirmwareTest, ASizeMismatchFillsNothingAndTriesNoWmi) {
-  module_.has_firmware_table = true;
-  FakeFirmwareTable::table = SmbiosBuilder().Record(1, {1, 0, 0, 0}, {"Maker"}).RawFirmwareTable(3, 4);
-  FakeFirmwareTable::short_by = 1;
+  os_.firmware_table.available = true;
+  os_.firmware_table.table = SmbiosBuilder().Record(1, {1, 0, 0, 0}, {"Maker"}).RawFirmwareTable(3, 4);
+  os_.firmware_table.short_by = 1;
   const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);
   EXPECT_EQ(snapshot.fields.system_manufacturer, "");
-  EXPECT_EQ(debug_.messages,
+  EXPECT_EQ(os_.debug.messages,
             std::vector<std::wstring>{L"getSystemFirmwareTable error(SmBiosHelper::Init)\n"});
-  EXPECT_TRUE(wmi_.calls.empty());
+  EXPECT_TRUE(os_.wmi.calls.empty());
 }
 
 TEST_F(FirmwareTest, WithoutTheFunctionWmiServesTheBareStructures) {
   const std::vector<uint8_t> structures =
       SmbiosBuilder().Record(3, {1, 0x20, 0, 0, 0}, {"Chassis Maker"}).Bytes();
-  wmi_.Script(L"ROOT\\WMI", L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
+  os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
               {FakeValue::Bytes(structures)});
   velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);  // no header on this path
   EXPECT_EQ(snapshot.fields.chassis_manufacturer, "Chassis Maker");
   EXPECT_EQ(snapshot.fields.chassis_type, 0x20);
 
-  wmi_.Script(L"ROOT\\WMI", L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
+  os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
               {FakeValue::Null(CIM_UINT8 | CIM_FLAG_ARRAY)});  // as Wine answers
   snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.fields.chassis_type, 0);
@@ -140,7 +132,7 @@ TEST_F(FirmwareTest, HardwareConfigReportsEveryLoadCode) {
   EXPECT_EQ(config.Reset(), -4);
   config.GetAudioVendor(vendors);
   EXPECT_EQ(vendors, (std::vector<std::string>{"X ", " Y"}));
-  module_.handle_fails = true;
+  os_.module.handle_fails = true;
   EXPECT_EQ(config.Reset(), -3);
 }
 
@@ -154,9 +146,8 @@ TEST_F(FirmwareTest, UnsupportedSkusComeFromTheFirstUnsupportElement) {
   EXPECT_TRUE(velhal::firmware::ReadUnsupportedSkus().empty());  // only the root's children
 }
 
-// Each TEST runs in its own process, so the serial caches start empty in each.
 TEST_F(FirmwareTest, SerialFallsBackToWmiThenToThePlaceholder) {
-  wmi_.Script(L"ROOT\\CIMV2", L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
+  os_.wmi.Script(velhal::wmi::kCimV2, L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
               {FakeValue::Text(L"ABC")});
   SystemInfo info;
   EXPECT_EQ(info.GetDeviceSerialNumber(), "ABC");
@@ -182,7 +173,7 @@ TEST_F(FirmwareTest, NoSerialAnywhereGivesThePlaceholder) {
 }
 
 TEST_F(FirmwareTest, ASerialThatDoesNotFitFallsToThePlaceholder) {
-  wmi_.Script(L"ROOT\\CIMV2", L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
+  os_.wmi.Script(velhal::wmi::kCimV2, L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
               {FakeValue::Text(L"0123456789")});
   SystemInfo info;
   char ten[10], eleven[11], twenty_four[24];
@@ -190,7 +181,7 @@ TEST_F(FirmwareTest, ASerialThatDoesNotFitFallsToThePlaceholder) {
   EXPECT_EQ(std::string(ten, 10), std::string(10, '\0'));
   EXPECT_EQ(info.GetDeviceSerialNumberEx(eleven, sizeof(eleven)), SN_SUCCESS);
   EXPECT_EQ(std::string(eleven, 11), std::string("0123456789\0", 11));
-  wmi_.Script(L"ROOT\\CIMV2", L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
+  os_.wmi.Script(velhal::wmi::kCimV2, L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
               {FakeValue::Text(L"changed")});  // the first real answer is kept for good
   EXPECT_EQ(info.GetDeviceSerialNumberEx(twenty_four, sizeof(twenty_four)), SN_SUCCESS);
   EXPECT_EQ(std::string(twenty_four), "0123456789");

@@ -8,42 +8,36 @@
 
 #include "hal/disk.h"
 #include "hal/hal_api.h"
-#include "tests/fakes/fake_device_io.h"
-#include "tests/fakes/fake_wmi.h"
+#include "platform/wmi_namespaces.h"
+#include "tests/support/fake_system.h"
 #include "tests/support/hal_query.h"
 
 namespace {
 
 using velhal::testing::FakeDeviceIo;
 using velhal::testing::FakeValue;
-using velhal::testing::FakeWmi;
-
-const std::wstring kCimV2 = L"ROOT\\CIMV2";
+using velhal::wmi::kCimV2;
+using velhal::wmi::kStorage;
 constexpr uint64_t kGiB = 1ull << 30;
 
 class DiskModuleTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    wmi_.Script(kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name",
+    os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name",
                 {FakeValue::Text(L"\\\\.\\PHYSICALDRIVE0"), FakeValue::Text(L"\\\\.\\PHYSICALDRIVE1"),
                  FakeValue::Text(L"\\\\.\\PHYSICALDRIVE2")});
-    io_.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(100000, 255, 63, 512);
-    io_.Disk(0).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true);
-    io_.Disk(1).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] =
+    os_.io.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(100000, 255, 63, 512);
+    os_.io.Disk(0).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true);
+    os_.io.Disk(1).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] =
         FakeDeviceIo::Geometry(INT64_C(1) << 41, 255, 63, 512);  // passes 2^63
-    io_.Disk(1).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(false);
-    io_.Disk(2);  // answers no I/O control
-    io_.Volume('C', FILE_DEVICE_DISK, 0, 10 * kGiB + 123);
-    io_.Volume('D', FILE_DEVICE_DISK, 1, 3 * kGiB);
-    io_.Volume('E', FILE_DEVICE_DISK, 0, 5 * kGiB);
-    io_.Volume('F', FILE_DEVICE_CD_ROM, 0, 7 * kGiB);  // matching number, other device type
-    io_.free_bytes.erase("E:");                          // free space unknown: counts 0
+    os_.io.Disk(1).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(false);
+    os_.io.Disk(2);  // answers no I/O control
+    os_.io.Volume('C', FILE_DEVICE_DISK, 0, 10 * kGiB + 123);
+    os_.io.Volume('D', FILE_DEVICE_DISK, 1, 3 * kGiB);
+    os_.io.Volume('E', FILE_DEVICE_DISK, 0, 5 * kGiB);
+    os_.io.Volume('F', FILE_DEVICE_CD_ROM, 0, 7 * kGiB);  // matching number, other device type
+    os_.io.free_bytes.erase("E:");                          // free space unknown: counts 0
   }
-  void TearDown() override {
-    EXPECT_EQ(io_.open_handles(), 0u);
-    EXPECT_EQ(io_.bad_closes, 0);
-  }
-
   HalDeviceEntry OpenEntry(uint32_t index) {
     HalDeviceEntry entry{nullptr, index, 0};
     EXPECT_EQ(HalOpenDevice(HAL_CLASS_DISK, &entry), 1u);
@@ -54,10 +48,7 @@ class DiskModuleTest : public ::testing::Test {
     return velhal::testing::QueryNumber<T>(HAL_CLASS_DISK, entry, info_class);
   }
 
-  FakeWmi wmi_;
-  FakeDeviceIo io_;
-  velhal::os::ScopedBackend<velhal::os::Wmi> wmi_backend_{wmi_};
-  velhal::os::ScopedBackend<velhal::os::DeviceIo> io_backend_{io_};
+  velhal::testing::FakeSystem os_;
 };
 
 TEST_F(DiskModuleTest, InitMakesTheBlockByteForByte) {
@@ -77,7 +68,7 @@ TEST_F(DiskModuleTest, InitMakesTheBlockByteForByte) {
   EXPECT_EQ(u32(48), 2u);
   std::free(block);
 
-  wmi_.Script(kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name", {}, S_OK);
+  os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name", {}, S_OK);
   block = nullptr;
   EXPECT_EQ(HalInit(HAL_CLASS_DISK, &block), 0u);
   EXPECT_EQ(block, nullptr);
@@ -85,12 +76,12 @@ TEST_F(DiskModuleTest, InitMakesTheBlockByteForByte) {
 
 TEST_F(DiskModuleTest, OpenAndCloseManageTheHandleSlot) {
   HalDeviceEntry entry = OpenEntry(2);
-  ASSERT_EQ(io_.opens.size(), 1u);
-  EXPECT_EQ(io_.opens[0].path, L"\\\\.\\PHYSICALDRIVE2");
-  EXPECT_EQ(io_.opens[0].access, 0u);
-  EXPECT_EQ(io_.opens[0].share, static_cast<DWORD>(FILE_SHARE_READ | FILE_SHARE_WRITE));
-  EXPECT_EQ(io_.opens[0].disposition, static_cast<DWORD>(OPEN_EXISTING));
-  EXPECT_EQ(io_.opens[0].attributes, static_cast<DWORD>(FILE_ATTRIBUTE_NORMAL));
+  ASSERT_EQ(os_.io.opens.size(), 1u);
+  EXPECT_EQ(os_.io.opens[0].path, L"\\\\.\\PHYSICALDRIVE2");
+  EXPECT_EQ(os_.io.opens[0].access, 0u);
+  EXPECT_EQ(os_.io.opens[0].share, static_cast<DWORD>(FILE_SHARE_READ | FILE_SHARE_WRITE));
+  EXPECT_EQ(os_.io.opens[0].disposition, static_cast<DWORD>(OPEN_EXISTING));
+  EXPECT_EQ(os_.io.opens[0].attributes, static_cast<DWORD>(FILE_ATTRIBUTE_NORMAL));
   EXPECT_EQ(HalCloseDevice(HAL_CLASS_DISK, &entry), 1u);
   EXPECT_EQ(entry.handle, nullptr);
   EXPECT_EQ(HalCloseDevice(HAL_CLASS_DISK, &entry), 0u);
@@ -110,9 +101,9 @@ TEST_F(DiskModuleTest, GeometryIsScaledAndGuardedAgainstOverflow) {
   EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_SIZE_MIB), std::nullopt);
 
   // Only exactly TRUE counts; a zero factor gives 0.
-  io_.Disk(2).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(10, 0, 63, 512);
+  os_.io.Disk(2).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(10, 0, 63, 512);
   EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_SIZE_MIB), 0u);
-  io_.Disk(2).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY].result = 2;
+  os_.io.Disk(2).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY].result = 2;
   EXPECT_EQ(QueryNumber<uint64_t>(&disk2, HAL_DISK_INFO_SIZE_MIB), std::nullopt);
 
   HalDeviceEntry unopened{nullptr, 0, 0};
@@ -141,18 +132,18 @@ TEST_F(DiskModuleTest, FreeSpaceSumsTheVolumesOfThisDiskOnly) {
             0u);
   EXPECT_EQ(small[0], 0xEE);
   EXPECT_EQ(returned, 99u);
-  for (const auto& open : io_.opens) EXPECT_EQ(open.access, 0u);
+  for (const auto& open : os_.io.opens) EXPECT_EQ(open.access, 0u);
 }
 
 TEST_F(DiskModuleTest, TrimAsksTheTrimPropertyAndNeedsTheWholeDescriptor) {
   HalDeviceEntry disk0 = OpenEntry(0), disk1 = OpenEntry(1);
   EXPECT_EQ(QueryNumber<uint32_t>(&disk0, HAL_DISK_INFO_TRIM_ENABLED), 1u);
-  const std::vector<BYTE>& query = io_.last_input[IOCTL_STORAGE_QUERY_PROPERTY];
+  const std::vector<BYTE>& query = os_.io.last_input[IOCTL_STORAGE_QUERY_PROPERTY];
   ASSERT_EQ(query.size(), 12u);
   EXPECT_EQ(query[0], 8);  // StorageDeviceTrimProperty
   EXPECT_EQ(query[4], 0);  // PropertyStandardQuery
   EXPECT_EQ(QueryNumber<uint32_t>(&disk1, HAL_DISK_INFO_TRIM_ENABLED), 0u);
-  io_.Disk(1).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true, 8);
+  os_.io.Disk(1).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true, 8);
   EXPECT_EQ(QueryNumber<uint32_t>(&disk1, HAL_DISK_INFO_TRIM_ENABLED), std::nullopt);
   HalDeviceEntry invalid{INVALID_HANDLE_VALUE, 0, 0};
   EXPECT_EQ(QueryNumber<uint32_t>(&invalid, HAL_DISK_INFO_TRIM_ENABLED), std::nullopt);
@@ -161,13 +152,13 @@ TEST_F(DiskModuleTest, TrimAsksTheTrimPropertyAndNeedsTheWholeDescriptor) {
 }
 
 TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
-  wmi_.Script(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='1'", L"Caption",
+  os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='1'", L"Caption",
               {FakeValue::Text(L"Example NVMe 1TB")});
-  wmi_.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '1'", L"MediaType",
+  os_.wmi.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '1'", L"MediaType",
               {FakeValue::Text(L"Fixed hard disk media")});
-  wmi_.Script(kCimV2, L"SELECT SerialNumber FROM Win32_DiskDrive WHERE Index='1'",
+  os_.wmi.Script(kCimV2, L"SELECT SerialNumber FROM Win32_DiskDrive WHERE Index='1'",
               L"serialNumber", {FakeValue::Text(L"")});
-  wmi_.Script(L"ROOT\\Microsoft\\Windows\\Storage",
+  os_.wmi.Script(kStorage,
               L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '1'", L"MediaType",
               {FakeValue::UInt32(4)});
   HalDeviceEntry disk1{nullptr, 1, 0};
@@ -210,11 +201,11 @@ TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
 
 TEST_F(DiskModuleTest, SystemDiskComesFromThePartitionOfTheWindowsVolume) {
   const auto script = [&](std::vector<FakeValue> dependents, std::vector<FakeValue> antecedents) {
-    wmi_.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
+    os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
                 L"Caption", {FakeValue::Text(L"C:")});
-    wmi_.Script(kCimV2, L"SELECT Dependent FROM Win32_LogicalDiskToPartition", L"Dependent",
+    os_.wmi.Script(kCimV2, L"SELECT Dependent FROM Win32_LogicalDiskToPartition", L"Dependent",
                 std::move(dependents));
-    wmi_.Script(kCimV2, L"SELECT Antecedent FROM Win32_LogicalDiskToPartition", L"Antecedent",
+    os_.wmi.Script(kCimV2, L"SELECT Antecedent FROM Win32_LogicalDiskToPartition", L"Antecedent",
                 std::move(antecedents));
   };
   const FakeValue d = FakeValue::Text(L"\\\\HOST\\root\\cimv2:Win32_LogicalDisk.DeviceID=\"D:\"");
@@ -237,14 +228,14 @@ TEST_F(DiskModuleTest, SystemDiskComesFromThePartitionOfTheWindowsVolume) {
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), std::nullopt);
   // No volume labelled "Windows": the empty caption is found at the first position.
   script({d, c}, {partition(L"3"), partition(L"12")});
-  wmi_.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
+  os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
               L"Caption", {});
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), 3u);
 }
 
 TEST_F(DiskModuleTest, ReadAndWriteMoveThePointerFirst) {
-  io_.Disk(0).data.assign(16, 0);
-  for (int i = 0; i < 16; ++i) io_.Disk(0).data[i] = static_cast<BYTE>(i);
+  os_.io.Disk(0).data.assign(16, 0);
+  for (int i = 0; i < 16; ++i) os_.io.Disk(0).data[i] = static_cast<BYTE>(i);
   HalDeviceEntry query_only = OpenEntry(0);
   int64_t offset = 4;
   unsigned char buffer[4] = {};
@@ -254,7 +245,7 @@ TEST_F(DiskModuleTest, ReadAndWriteMoveThePointerFirst) {
   EXPECT_EQ(HalRead(HAL_CLASS_DISK, &query_only, nullptr, buffer, 4, &count), 0u);
   HalCloseDevice(HAL_CLASS_DISK, &query_only);
 
-  HalDeviceEntry writable{io_.CreateFileW(L"\\\\.\\PHYSICALDRIVE0", GENERIC_READ | GENERIC_WRITE,
+  HalDeviceEntry writable{os_.io.CreateFileW(L"\\\\.\\PHYSICALDRIVE0", GENERIC_READ | GENERIC_WRITE,
                                           0, nullptr, OPEN_EXISTING, 0, nullptr),
                           0, 0};
   offset = 4;
@@ -263,7 +254,7 @@ TEST_F(DiskModuleTest, ReadAndWriteMoveThePointerFirst) {
   EXPECT_EQ(buffer[0], 4);
   const unsigned char patch[2] = {0xAA, 0xBB};
   EXPECT_EQ(HalWrite(HAL_CLASS_DISK, &writable, nullptr, patch, 2, &count), 1u);  // at 8
-  EXPECT_EQ(io_.Disk(0).data[8], 0xAA);
+  EXPECT_EQ(os_.io.Disk(0).data[8], 0xAA);
   EXPECT_EQ(HalWrite(HAL_CLASS_DISK, &writable, nullptr, patch, 2, nullptr), 0u);
   offset = 0x7FFFFFFF00000000;  // the high half is handed back as the system reports it
   EXPECT_EQ(HalWrite(HAL_CLASS_DISK, &writable, &offset, patch, 0, &count), 1u);
@@ -289,10 +280,10 @@ TEST_F(DiskModuleTest, DiskClassAnswersPerDiskAndInTotal) {
     EXPECT_EQ(disks.GetTotalCapacity(-1), 0u);
 
     // Media type: the storage namespace first, then WMI's text; SSD judged the same way.
-    wmi_.Script(L"ROOT\\Microsoft\\Windows\\Storage",
+    os_.wmi.Script(kStorage,
                 L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '1'", L"MediaType",
                 {FakeValue::UInt32(3)});
-    wmi_.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '0'", L"MediaType",
+    os_.wmi.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '0'", L"MediaType",
                 {FakeValue::Text(L"Fixed hard disk media")});
     EXPECT_EQ(disks.GetMediaType(1), L"HDD");
     EXPECT_EQ(disks.GetMediaType(0), L"Fixed hard disk media");
@@ -303,7 +294,7 @@ TEST_F(DiskModuleTest, DiskClassAnswersPerDiskAndInTotal) {
     EXPECT_TRUE(ssd);
     EXPECT_FALSE(disks.JudgeSSd(2, ssd));
     EXPECT_FALSE(ssd);
-    EXPECT_GT(io_.open_handles(), 0u);
+    EXPECT_GT(os_.io.open_handles(), 0u);
   }
   // The destructor closed what the members opened (checked in TearDown).
 }

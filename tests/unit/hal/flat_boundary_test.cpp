@@ -7,22 +7,20 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <cstring>
+#include <vector>
 
 #include "hal/audio_endpoints.h"
-#include "tests/fakes/fake_audio.h"
-#include "tests/fakes/fake_com.h"
-#include "tests/fakes/fake_device_database.h"
-#include "tests/fakes/fake_device_io.h"
-#include "tests/fakes/fake_wmi.h"
+#include "hal/class_dispatch.h"
+#include "platform/device_classes.h"
+#include "platform/wmi_namespaces.h"
+#include "tests/support/fake_system.h"
 
 namespace {
 
 using namespace velhal::testing;
+using velhal::wmi::kCimV2;
 
 constexpr uint8_t kFill = 0xA5;
-constexpr GUID kMedia{0x4d36e96c, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
 
 struct Known {
   HalDeviceClass device_class;
@@ -32,38 +30,45 @@ struct Known {
 
 // Information classes that answer on the fakes below, with the size each needs.
 const Known kKnown[] = {
-    {3, 0, 4},
-    {5, 0, 2 * 21 + 2},  // "Fixed hard disk media"
-    {5, 1, 2 * 7 + 2},   // "Example"
-    {5, 3, 8}, {5, 4, 8}, {5, 5, 8}, {5, 6, 8}, {5, 7, 4}, {5, 10, 4}, {5, 11, 4},
+    {HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_INFO_SPEAKER_VOLUME, 4},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_MEDIA_TYPE_TEXT, 2 * 21 + 2},  // "Fixed hard disk media"
+    {HAL_CLASS_DISK, HAL_DISK_INFO_CAPTION, 2 * 7 + 2},           // "Example"
+    {HAL_CLASS_DISK, HAL_DISK_INFO_SIZE_MIB, 8},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_FREE_MIB, 8},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_SIZE_DECIMAL_GB, 8},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_SIZE_DECIMAL_MB, 8},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_COUNT, 4},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_TRIM_ENABLED, 4},
+    {HAL_CLASS_DISK, HAL_DISK_INFO_STORAGE_MEDIA_TYPE, 4},
 };
+
+// Every class with a module, and classes without one.
+std::vector<HalDeviceClass> EveryClass() {
+  std::vector<HalDeviceClass> classes = {1u, 2u, 17u, 0xFFFFFFFFu};
+  for (const auto& route : velhal::hal::ClassRoutes()) classes.push_back(route.device_class);
+  return classes;
+}
 
 class FlatBoundaryTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    const std::wstring cimv2 = L"ROOT\\CIMV2";
-    wmi_.Script(cimv2, L"SELECT Name FROM Win32_DiskDrive", L"Name", {FakeValue::Text(L"d0")});
-    wmi_.Script(cimv2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '0'", L"MediaType",
-                {FakeValue::Text(L"Fixed hard disk media")});
-    wmi_.Script(cimv2, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='0'", L"Caption",
-                {FakeValue::Text(L"Example")});
-    wmi_.Script(L"ROOT\\Microsoft\\Windows\\Storage",
-                L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '0'", L"MediaType",
-                {FakeValue::UInt32(4)});
-    io_.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(1000, 255, 63, 512);
-    io_.Disk(0).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true);
-    io_.Volume('C', FILE_DEVICE_DISK, 0, 1ull << 32);
-    db_.Add(kMedia).HardwareIds({L"HDAUDIO\\FUNC_01&VEN_10EC&DEV_0257"});
+    os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name", {FakeValue::Text(L"d0")});
+    os_.wmi.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '0'", L"MediaType",
+                   {FakeValue::Text(L"Fixed hard disk media")});
+    os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='0'", L"Caption",
+                   {FakeValue::Text(L"Example")});
+    os_.wmi.Script(velhal::wmi::kStorage, L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '0'",
+                   L"MediaType", {FakeValue::UInt32(4)});
+    os_.io.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(1000, 255, 63, 512);
+    os_.io.Disk(0).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true);
+    os_.io.Volume('C', FILE_DEVICE_DISK, 0, 1ull << 32);
+    os_.devices.Add(velhal::device_class::kMedia).HardwareIds({L"HDAUDIO\\FUNC_01&VEN_10EC&DEV_0257"});
     ASSERT_EQ(velhal::hal::OpenAudioEndpoint(eRender), S_OK);
     ASSERT_EQ(velhal::hal::OpenAudioEndpoint(eCapture), S_OK);
     entry_.index = 0;
     ASSERT_EQ(HalOpenDevice(HAL_CLASS_DISK, &entry_), 1u);
   }
-  void TearDown() override {
-    HalCloseDevice(HAL_CLASS_DISK, &entry_);
-    HalCloseDevice(HAL_CLASS_AUDIO_ENDPOINTS, nullptr);
-    EXPECT_EQ(io_.open_handles(), 0u);
-  }
+  void TearDown() override { HalCloseDevice(HAL_CLASS_DISK, &entry_); }
 
   // Queries into a marked buffer; reports whether anything outside the answer changed.
   uint32_t Query(HalDeviceClass device_class, uint32_t info_class, uint32_t size, bool& touched,
@@ -79,16 +84,7 @@ class FlatBoundaryTest : public ::testing::Test {
     return result;
   }
 
-  FakeWmi wmi_;
-  FakeDeviceIo io_;
-  FakeDeviceDatabase db_;
-  FakeAudio audio_;
-  FakeCom com_{FakeCom::Apartment::kMta};
-  velhal::os::ScopedBackend<velhal::os::Wmi> b1_{wmi_};
-  velhal::os::ScopedBackend<velhal::os::DeviceIo> b2_{io_};
-  velhal::os::ScopedBackend<velhal::os::DeviceDatabase> b3_{db_};
-  velhal::os::ScopedBackend<velhal::os::Audio> b4_{audio_};
-  velhal::os::ScopedBackend<velhal::os::Com> b5_{com_};
+  FakeSystem os_;
   HalDeviceEntry entry_{};
 };
 
@@ -108,14 +104,14 @@ TEST_F(FlatBoundaryTest, KnownClassesSucceedWithTheirSizeAndRefuseLessWithoutWri
   // Documented exceptions: the mute queries ignore the size, and the second free-space form
   // zeroes a short buffer before failing.
   bool touched = false;
-  EXPECT_EQ(Query(HAL_CLASS_AUDIO_ENDPOINTS, 1, 0, touched), 1u);
-  EXPECT_EQ(Query(HAL_CLASS_DISK, 8, 7, touched), 0u);
+  EXPECT_EQ(Query(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_INFO_SPEAKER_MUTE, 0, touched), 1u);
+  EXPECT_EQ(Query(HAL_CLASS_DISK, HAL_DISK_INFO_FREE_MIB_SECOND_FORM, 7, touched), 0u);
   EXPECT_TRUE(touched);
 }
 
 TEST_F(FlatBoundaryTest, UnknownClassesAndInformationClassesWriteNothing) {
-  for (HalDeviceClass device_class : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 11u, 16u, 17u, 0xFFFFFFFFu}) {
-    for (uint32_t info_class : {13u, 99u, 0xFFFFFFFFu}) {
+  for (HalDeviceClass device_class : EveryClass()) {
+    for (uint32_t info_class : {99u, 0xFFFFFFFFu}) {
       SCOPED_TRACE(testing::Message() << "class " << device_class << " info " << info_class);
       bool touched = false;
       EXPECT_EQ(Query(device_class, info_class, 64, touched), 0u);
@@ -135,7 +131,7 @@ TEST_F(FlatBoundaryTest, NullArgumentsFailEveryEntryPoint) {
   uint32_t count = 0;
   int64_t offset = 0;
   uint8_t buffer[8] = {};
-  for (HalDeviceClass device_class : {0u, 1u, 3u, 4u, 5u, 6u, 11u, 16u, 17u, 0xFFFFFFFFu}) {
+  for (HalDeviceClass device_class : EveryClass()) {
     SCOPED_TRACE(testing::Message() << "class " << device_class);
     const bool list_free = device_class == HAL_CLASS_PROCESSOR || device_class == HAL_CLASS_BATTERY;
     EXPECT_EQ(HalInit(device_class, nullptr), list_free ? 1u : 0u);
@@ -150,9 +146,9 @@ TEST_F(FlatBoundaryTest, NullArgumentsFailEveryEntryPoint) {
     EXPECT_EQ(HalRead(device_class, &entry_, &offset, buffer, 8, nullptr), 0u);
     EXPECT_EQ(HalWrite(device_class, nullptr, &offset, buffer, 8, &count), 0u);
     EXPECT_EQ(HalSetInformation(device_class, nullptr, 0, buffer, 8, &count), 0u);
-    EXPECT_EQ(HalSetCallback(device_class, 1, nullptr, nullptr), 0u);
+    EXPECT_EQ(HalSetCallback(device_class, HAL_AUDIO_ENDPOINT_SPEAKER, nullptr, nullptr), 0u);
     if (device_class != HAL_CLASS_AUDIO_ENDPOINTS) {
-      EXPECT_EQ(HalSetCallback(device_class, 1, &callback, nullptr), 0u);
+      EXPECT_EQ(HalSetCallback(device_class, HAL_AUDIO_ENDPOINT_SPEAKER, &callback, nullptr), 0u);
     }
   }
   HalDeviceEntry never_opened{nullptr, 0, 0};

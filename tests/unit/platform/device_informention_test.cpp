@@ -4,18 +4,17 @@
 
 #include <cstring>
 
+#include "platform/device_classes.h"
 #include "platform/device_property_keys.h"
-#include "tests/fakes/fake_device_database.h"
+#include "tests/support/fake_system.h"
 
 namespace {
 
-using velhal::testing::FakeDeviceDatabase;
 namespace keys = velhal::device_keys;
-
-constexpr GUID kDisplay{0x4d36e968, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
-constexpr GUID kMedia{0x4d36e96c, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
-constexpr GUID kNet{0x4d36e972, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
-constexpr GUID kSystem{0x4d36e97d, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
+using velhal::device_class::kDisplay;
+using velhal::device_class::kMedia;
+using velhal::device_class::kNet;
+using velhal::device_class::kSystem;
 
 const std::wstring kGpu = L"PCI\\VEN_8086&DEV_9A49&SUBSYS_00000000";
 const DEVPROPKEY kManufacturer = keys::kByProperty[DeviceProperty_Manufacturer];
@@ -40,14 +39,8 @@ class DeviceInformentionTest : public ::testing::Test {
                                                          std::vector<BYTE>(16, 1));
     db_.Add(kNet).HardwareIds({L"USB\\GONE"}).present = false;
   }
-  // Every operation destroys the one set it opened.
-  void TearDown() override {
-    EXPECT_EQ(db_.open_sets, 0);
-    EXPECT_EQ(db_.bad_destroys, 0);
-  }
-
-  FakeDeviceDatabase db_;
-  velhal::os::ScopedBackend<velhal::os::DeviceDatabase> backend_{db_};
+  velhal::testing::FakeSystem os_;
+  velhal::testing::FakeDeviceDatabase& db_ = os_.devices;
   DeviceInformention devices_;
 };
 

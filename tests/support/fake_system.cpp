@@ -1,0 +1,28 @@
+#include "tests/support/fake_system.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/process_state.h"
+
+namespace velhal::testing {
+
+FakeSystem::FakeSystem() { ResetProcessStateForTesting(); }
+
+FakeSystem::~FakeSystem() {
+  ResetProcessStateForTesting();  // while the fakes that state points into are installed
+  EXPECT_EQ(registry.open_handles(), 0u) << "a registry key was left open";
+  EXPECT_EQ(registry.bad_closes(), 0u);
+  EXPECT_EQ(devices.open_sets, 0) << "a device set was left open";
+  EXPECT_EQ(devices.bad_destroys, 0);
+  EXPECT_EQ(io.open_handles(), 0u) << "a file handle was left open";
+  EXPECT_EQ(io.bad_closes, 0);
+  EXPECT_EQ(services.open_handles(), 0u) << "a service handle was left open";
+  EXPECT_EQ(services.bad_closes, 0);
+  EXPECT_EQ(module.loaded(), 0u) << "a library was left loaded";
+  EXPECT_EQ(module.bad_frees, 0);
+  EXPECT_EQ(com.live_objects, 0) << "a COM object leaked";
+  EXPECT_TRUE(com.violations.empty()) << com.violations.front();
+  EXPECT_FALSE(audio.render.over_released || audio.capture.over_released);
+}
+
+}  // namespace velhal::testing
