@@ -20,11 +20,10 @@ namespace {
 constexpr wchar_t kControllerVendor[] = L"VEN_10EC";
 constexpr uint64_t kMaxControllers = 0x0FFFFFFF;
 
-
 struct Endpoint {
   IAudioEndpointVolume* volume = nullptr;
   IAudioEndpointVolumeCallback* callback = nullptr;  // one reference, taken over from the host
-  GUID event_context{};  // marks the changes this library makes
+  GUID event_context{};                              // marks the changes this library makes
 };
 
 Endpoint g_render;   // speaker
@@ -35,7 +34,8 @@ Endpoint& EndpointOf(EDataFlow flow) { return flow == eRender ? g_render : g_cap
 int32_t PercentOf(float scalar) { return static_cast<int32_t>(std::roundf(scalar * 100.0f)); }
 
 uint32_t Init(void* list) {
-  const std::vector<std::wstring> ids = DeviceInformention().GetDeviceHardwareId(device_class::kMedia);
+  const std::vector<std::wstring> ids =
+      DeviceInformention().GetDeviceHardwareId(device_class::kMedia);
   const uint64_t count = std::count_if(ids.begin(), ids.end(), [](const std::wstring& id) {
     return id.find(kControllerVendor) != std::wstring::npos;
   });
@@ -49,7 +49,8 @@ uint32_t Init(void* list) {
 
 void Release(Endpoint& endpoint) {
   if (endpoint.callback != nullptr) {
-    if (endpoint.volume != nullptr) endpoint.volume->UnregisterControlChangeNotify(endpoint.callback);
+    if (endpoint.volume != nullptr)
+      endpoint.volume->UnregisterControlChangeNotify(endpoint.callback);
     endpoint.callback->Release();
     endpoint.callback = nullptr;
   }
@@ -110,7 +111,8 @@ uint32_t SetSpeakerVolume(const void* buffer, uint32_t buffer_size) {
   int64_t wanted = level;  // wide enough that current + level cannot overflow
   if (relative == 1) {
     float scalar = 0;
-    if (g_render.volume == nullptr || FAILED(g_render.volume->GetMasterVolumeLevelScalar(&scalar))) {
+    if (g_render.volume == nullptr ||
+        FAILED(g_render.volume->GetMasterVolumeLevelScalar(&scalar))) {
       return 0;
     }
     wanted += PercentOf(scalar);
@@ -152,7 +154,9 @@ uint32_t SetCallback(uint32_t endpoint_number, IAudioEndpointVolumeCallback* cal
   if (callback == nullptr) return 0;
   // Numbered unlike the information classes: 0 is the microphone, 1 the speaker. Any other
   // number succeeds without effect; callers rely on both.
-  if (endpoint_number != HAL_AUDIO_ENDPOINT_MICROPHONE && endpoint_number != HAL_AUDIO_ENDPOINT_SPEAKER) return 1;
+  if (endpoint_number != HAL_AUDIO_ENDPOINT_MICROPHONE &&
+      endpoint_number != HAL_AUDIO_ENDPOINT_SPEAKER)
+    return 1;
   Endpoint& endpoint = endpoint_number == HAL_AUDIO_ENDPOINT_SPEAKER ? g_render : g_capture;
   RegisterReset();
   // An earlier callback is replaced, neither released nor unregistered: hosts that register

@@ -31,7 +31,6 @@ constexpr BYTE kNoSystemBattery = 128;
 constexpr BYTE kUnknownBattery = 255;
 constexpr ULONG kDontWaitForTag = 0;
 
-
 std::optional<SYSTEM_POWER_STATUS> PowerStatus() {
   SYSTEM_POWER_STATUS status{};
   for (int attempt = 0; attempt < kPowerStatusAttempts; ++attempt) {
@@ -42,14 +41,15 @@ std::optional<SYSTEM_POWER_STATUS> PowerStatus() {
 
 bool BatteryPresent() {
   const auto status = PowerStatus();
-  return status && status->BatteryFlag != kNoSystemBattery && status->BatteryFlag != kUnknownBattery;
+  return status && status->BatteryFlag != kNoSystemBattery &&
+         status->BatteryFlag != kUnknownBattery;
 }
 
 std::optional<SYSTEM_BATTERY_STATE> BatteryState() {
   SYSTEM_BATTERY_STATE state{};
   for (int attempt = 0; attempt < kBatteryStateAttempts; ++attempt) {
-    if (os::power().CallNtPowerInformation(SystemBatteryState, nullptr, 0, &state,
-                                           sizeof(state)) == 0) {
+    if (os::power().CallNtPowerInformation(SystemBatteryState, nullptr, 0, &state, sizeof(state)) ==
+        0) {
       return state;
     }
   }
@@ -191,9 +191,11 @@ std::optional<uint32_t> Number(uint32_t info_class) {
       if (!BatteryPresent()) return std::nullopt;
       const auto state = BatteryState();
       if (!state) return std::nullopt;
-      return info_class == HAL_BATTERY_INFO_REMAINING_CAPACITY ? state->RemainingCapacity : state->MaxCapacity;
+      return info_class == HAL_BATTERY_INFO_REMAINING_CAPACITY ? state->RemainingCapacity
+                                                               : state->MaxCapacity;
     }
-    case HAL_BATTERY_INFO_DESIGN_CAPACITY: return BatteryPresent() ? DesignCapacity() : std::nullopt;
+    case HAL_BATTERY_INFO_DESIGN_CAPACITY:
+      return BatteryPresent() ? DesignCapacity() : std::nullopt;
     case HAL_BATTERY_INFO_AC_LINE_STATUS: {
       const auto status = PowerStatus();
       if (!status) return std::nullopt;
@@ -245,7 +247,8 @@ uint32_t BtQueryInformation(uint32_t infoClass, void* buffer, uint32_t bufferSiz
                             uint32_t* returnedSize) {
   using namespace velhal::hal;
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
-    if (infoClass > HAL_BATTERY_INFO_CHARGE_RATE || buffer == nullptr || returnedSize == nullptr) return 0;
+    if (infoClass > HAL_BATTERY_INFO_CHARGE_RATE || buffer == nullptr || returnedSize == nullptr)
+      return 0;
     if (infoClass == HAL_BATTERY_INFO_MANUFACTURER || infoClass == HAL_BATTERY_INFO_DEVICE_NAME) {
       const std::optional<std::wstring> name = Name(infoClass);
       return name ? WriteText(buffer, bufferSize, returnedSize, *name, TextForm::kAnsiWithNul,
@@ -262,7 +265,9 @@ uint32_t BtSetInformation(uint32_t infoClass, void* buffer, uint32_t /*bufferSiz
                           uint32_t* returnedSize) {
   using namespace velhal::hal;
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
-    if (infoClass != HAL_BATTERY_SET_CHARGE_THRESHOLD || buffer == nullptr || returnedSize == nullptr) return 0;
+    if (infoClass != HAL_BATTERY_SET_CHARGE_THRESHOLD || buffer == nullptr ||
+        returnedSize == nullptr)
+      return 0;
     const auto* bytes = static_cast<const unsigned char*>(buffer);
     if (VelSDK::BiosWmi::SetBatteryChargeThreshlod(bytes[0], bytes[1]) != 0) return 0;
     *returnedSize = 2;

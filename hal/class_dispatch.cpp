@@ -10,10 +10,8 @@ namespace velhal::hal {
 namespace {
 
 constexpr ClassRoute kRoutes[] = {
-    {HAL_CLASS_PROCESSOR, ProcessorModule},
-    {HAL_CLASS_AUDIO_ENDPOINTS, AudioEndpointsModule},
-    {HAL_CLASS_DISK, DiskModule},
-    {HAL_CLASS_BATTERY, BatteryModule},
+    {HAL_CLASS_PROCESSOR, ProcessorModule}, {HAL_CLASS_AUDIO_ENDPOINTS, AudioEndpointsModule},
+    {HAL_CLASS_DISK, DiskModule},           {HAL_CLASS_BATTERY, BatteryModule},
     {HAL_CLASS_MEMORY, MemoryModule},
 };
 

@@ -28,7 +28,8 @@ Disk::Disk() : list_(nullptr), count_(0) {}
 
 Disk::~Disk() {
   if (list_ == nullptr) return;
-  for (int i = 0; i < count_; ++i) HalCloseDevice(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(i)));
+  for (int i = 0; i < count_; ++i)
+    HalCloseDevice(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(i)));
   std::free(list_);
 }
 
@@ -61,8 +62,9 @@ std::wstring Disk::Text(uint32_t infoClass, int index) {
   if (!EnsureList() || index < 0 || index >= count_) return {};
   std::array<wchar_t, kTextBufferBytes / sizeof(wchar_t)> buffer{};
   uint32_t returned = 0;
-  if (!HalQueryInformation(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(index)), infoClass, buffer.data(),
-                           kTextBufferBytes, &returned)) {
+  if (!HalQueryInformation(HAL_CLASS_DISK,
+                           velhal::hal::EntryAt(list_, static_cast<uint32_t>(index)), infoClass,
+                           buffer.data(), kTextBufferBytes, &returned)) {
     return {};
   }
   return std::wstring(buffer.data(), returned / sizeof(wchar_t));
@@ -187,8 +189,8 @@ bool Disk::GetSystemDiskIndex(uint32_t& index) {
   return CallGuarded(false, [&] {
     std::array<unsigned char, 4> buffer{};
     uint32_t returned = 0;
-    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX, buffer.data(),
-                             4, &returned)) {
+    if (!HalQueryInformation(HAL_CLASS_DISK, nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX,
+                             buffer.data(), 4, &returned)) {
       return false;
     }
     std::memcpy(&index, buffer.data(), sizeof(index));

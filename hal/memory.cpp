@@ -12,7 +12,6 @@
 
 using velhal::CallGuarded;
 
-
 Memory::Memory() : list_(nullptr) {}
 
 Memory::~Memory() { std::free(list_); }
@@ -41,7 +40,8 @@ int Memory::GetMemoryNums(uint32_t& count) {
   return CallGuarded(0, [&] {
     if (!Open()) return 0;
     uint32_t returned = 0;
-    return MmQueryInformation(nullptr, HAL_MEMORY_INFO_COUNT, &count, sizeof(count), &returned) ? 1 : 0;
+    return MmQueryInformation(nullptr, HAL_MEMORY_INFO_COUNT, &count, sizeof(count), &returned) ? 1
+                                                                                                : 0;
   });
 }
 

@@ -45,17 +45,15 @@ Modules Enumerate() {
     return modules;
   }
   modules.keys.clear();
-  wmi.ExcuteQuery(L"SELECT BankLabel FROM Win32_PhysicalMemory", L"BankLabel", modules.keys,
-                  false);
+  wmi.ExcuteQuery(L"SELECT BankLabel FROM Win32_PhysicalMemory", L"BankLabel", modules.keys, false);
   return modules;
 }
 
 // The first value of one field of the module, as text. The key goes in as it stands.
 std::wstring Field(const Modules& modules, const std::wstring& key, const wchar_t* field) {
-  const std::wstring query = std::wstring(L"SELECT ") + field +
-                             L" FROM Win32_PhysicalMemory WHERE " +
-                             (modules.by_locator ? L"DeviceLocator='" : L"BankLabel='") + key +
-                             L"'";
+  const std::wstring query =
+      std::wstring(L"SELECT ") + field + L" FROM Win32_PhysicalMemory WHERE " +
+      (modules.by_locator ? L"DeviceLocator='" : L"BankLabel='") + key + L"'";
   std::wstring value;
   WmiQueryFirstString(kCimV2, query, field, value);
   return value;
@@ -146,7 +144,8 @@ uint32_t MmQueryInformation(HalDeviceEntry* entry, uint32_t infoClass, void* buf
                             uint32_t bufferSize, uint32_t* returnedSize) {
   using namespace velhal::hal;
   return velhal::CallGuarded(0u, [&]() -> uint32_t {
-    if (buffer == nullptr || returnedSize == nullptr || infoClass >= (HAL_MEMORY_INFO_SPEED + 1)) return 0;
+    if (buffer == nullptr || returnedSize == nullptr || infoClass >= (HAL_MEMORY_INFO_SPEED + 1))
+      return 0;
     // One connection serves the enumeration and the field query of this call.
     const velhal::wmi::SessionScope session;
     if (infoClass == HAL_MEMORY_INFO_COUNT) return QueryCount(buffer, bufferSize, returnedSize);

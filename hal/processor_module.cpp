@@ -28,8 +28,7 @@ std::atomic<uint32_t> g_cpu_type{kUnknown};
 
 // Registry first; the WMI fallback's property name is passed as the system has always passed
 // it, so for the vendor it finds nothing unless the engine answers that name.
-std::wstring RegistryOrWmi(const wchar_t* value_name, const wchar_t* wql,
-                           const wchar_t* property) {
+std::wstring RegistryOrWmi(const wchar_t* value_name, const wchar_t* wql, const wchar_t* property) {
   std::wstring text;
   if (ReadReg::ReadLocalMachineRegRZ(kProcessorKey, value_name, text) && !text.empty()) {
     return text;
@@ -116,7 +115,9 @@ std::optional<uint32_t> Number(uint32_t info_class) {
     case HAL_CPU_INFO_LOGICAL_PROCESSORS: return ProcessorNumber(L"NumberOfLogicalProcessors");
     case HAL_CPU_INFO_L1_CACHE_SIZE:
     case HAL_CPU_INFO_L2_CACHE_SIZE:
-    case HAL_CPU_INFO_L3_CACHE_SIZE: return WmiNumber(CacheQuery(L"InstalledSize", info_class, HAL_CPU_INFO_L1_CACHE_SIZE), L"InstalledSize");
+    case HAL_CPU_INFO_L3_CACHE_SIZE:
+      return WmiNumber(CacheQuery(L"InstalledSize", info_class, HAL_CPU_INFO_L1_CACHE_SIZE),
+                       L"InstalledSize");
     case HAL_CPU_INFO_LOAD_PERCENTAGE: return ProcessorNumber(L"LoadPercentage");
     case HAL_CPU_INFO_TYPE: return DetectCpuType();
     default: return std::nullopt;

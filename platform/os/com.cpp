@@ -21,8 +21,8 @@ class RealCom final : public Com {
   HRESULT CoSetProxyBlanket(IUnknown* proxy, DWORD authn_service, DWORD authz_service,
                             OLECHAR* server_principal, DWORD authn_level, DWORD imp_level,
                             RPC_AUTH_IDENTITY_HANDLE auth_info, DWORD capabilities) override {
-    return ::CoSetProxyBlanket(proxy, authn_service, authz_service, server_principal,
-                               authn_level, imp_level, auth_info, capabilities);
+    return ::CoSetProxyBlanket(proxy, authn_service, authz_service, server_principal, authn_level,
+                               imp_level, auth_info, capabilities);
   }
 };
 

@@ -16,8 +16,8 @@ class RealDeviceDatabase final : public DeviceDatabase {
   BOOL SetupDiGetDevicePropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, const DEVPROPKEY* key,
                                  DEVPROPTYPE* type, BYTE* buffer, DWORD buffer_size,
                                  DWORD* required_size, DWORD flags) override {
-    return ::SetupDiGetDevicePropertyW(set, device, key, type, buffer, buffer_size,
-                                       required_size, flags);
+    return ::SetupDiGetDevicePropertyW(set, device, key, type, buffer, buffer_size, required_size,
+                                       flags);
   }
   BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) override {
     return ::SetupDiDestroyDeviceInfoList(set);

@@ -21,8 +21,7 @@ class DeviceDatabase {
   virtual BOOL SetupDiEnumDeviceInfo(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device) = 0;
   virtual BOOL SetupDiGetDevicePropertyW(HDEVINFO set, SP_DEVINFO_DATA* device,
                                          const DEVPROPKEY* key, DEVPROPTYPE* type, BYTE* buffer,
-                                         DWORD buffer_size, DWORD* required_size,
-                                         DWORD flags) = 0;
+                                         DWORD buffer_size, DWORD* required_size, DWORD flags) = 0;
   virtual BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) = 0;
   virtual BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
                                            const GUID* interface_class, DWORD index,
@@ -43,8 +42,8 @@ class DeviceDatabase {
                                               SP_DEVINSTALL_PARAMS_W* params) = 0;
   virtual CONFIGRET CM_Get_DevNode_Status(ULONG* status, ULONG* problem, DEVINST device,
                                           ULONG flags) = 0;
-  virtual CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length,
-                                         ULONG flags, HMACHINE machine) = 0;
+  virtual CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
+                                         HMACHINE machine) = 0;
 
   static DeviceDatabase& Real() noexcept;
 

@@ -19,8 +19,7 @@ class RealDeviceIo final : public DeviceIo {
     return ::DeviceIoControl(device, code, in, in_size, out, out_size, returned, overlapped);
   }
   BOOL CloseHandle(HANDLE handle) override { return ::CloseHandle(handle); }
-  DWORD SetFilePointer(HANDLE file, LONG distance_low, LONG* distance_high,
-                       DWORD method) override {
+  DWORD SetFilePointer(HANDLE file, LONG distance_low, LONG* distance_high, DWORD method) override {
     return ::SetFilePointer(file, distance_low, distance_high, method);
   }
   BOOL ReadFile(HANDLE file, void* buffer, DWORD length, DWORD* read,

@@ -4,8 +4,7 @@
 namespace velhal::os {
 namespace {
 
-using GetSystemFirmwareTableFn = UINT(WINAPI*)(DWORD provider, DWORD id, void* buffer,
-                                              DWORD size);
+using GetSystemFirmwareTableFn = UINT(WINAPI*)(DWORD provider, DWORD id, void* buffer, DWORD size);
 
 // kernel32 is loaded in every process and never unloaded, so the address stays valid.
 GetSystemFirmwareTableFn Lookup() noexcept {

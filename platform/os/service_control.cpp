@@ -6,8 +6,7 @@ namespace {
 
 class RealServiceControl final : public ServiceControl {
  public:
-  SC_HANDLE OpenSCManagerW(const wchar_t* machine, const wchar_t* database,
-                           DWORD access) override {
+  SC_HANDLE OpenSCManagerW(const wchar_t* machine, const wchar_t* database, DWORD access) override {
     return ::OpenSCManagerW(machine, database, access);
   }
   SC_HANDLE OpenServiceW(SC_HANDLE manager, const wchar_t* name, DWORD access) override {

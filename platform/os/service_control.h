@@ -36,9 +36,7 @@ struct ServiceHandleTraits {
   using Handle = SC_HANDLE;
   static SC_HANDLE Invalid() noexcept { return nullptr; }
   static bool IsValid(SC_HANDLE handle) noexcept { return handle != nullptr; }
-  static void Close(SC_HANDLE handle) noexcept {
-    os::service_control().CloseServiceHandle(handle);
-  }
+  static void Close(SC_HANDLE handle) noexcept { os::service_control().CloseServiceHandle(handle); }
 };
 using UniqueServiceHandle = UniqueResource<ServiceHandleTraits>;
 

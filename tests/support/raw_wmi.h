@@ -1,5 +1,6 @@
-// A deliberately plain WMI reader for cross-checking the library: its own COM calls, no shared
-// code with the engine under test. Returns every row's property as a VARIANT-derived text.
+// Independent reads for cross-checking the library. A deliberately plain WMI reader for
+// cross-checking the library: its own COM calls, no shared code with the engine under test. Returns
+// every row's property as a VARIANT-derived text.
 #pragma once
 
 #include "platform/win32.h"
@@ -26,8 +27,8 @@ inline std::optional<std::vector<std::wstring>> RawWmiTexts(const wchar_t* name_
        query = ::SysAllocString(wql);
   if (SUCCEEDED(::CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
                                    IID_IWbemLocator, reinterpret_cast<void**>(&locator))) &&
-      SUCCEEDED(locator->ConnectServer(ns, nullptr, nullptr, nullptr, 0, nullptr, nullptr,
-                                       &services)) &&
+      SUCCEEDED(
+          locator->ConnectServer(ns, nullptr, nullptr, nullptr, 0, nullptr, nullptr, &services)) &&
       SUCCEEDED(services->ExecQuery(language, query, WBEM_FLAG_FORWARD_ONLY, nullptr, &objects))) {
     rows.emplace();
     for (;;) {
@@ -64,6 +65,16 @@ inline std::optional<uint32_t> RawWmiFirstNumber(const wchar_t* wql, const wchar
   const auto rows = RawWmiTexts(L"ROOT\\CIMV2", wql, property);
   if (!rows || rows->empty()) return std::nullopt;
   return static_cast<uint32_t>(std::stoul(rows->front()));
+}
+
+// The processor's name as the registry holds it, for cross-checks of the WMI and processor reads.
+inline std::wstring RegistryProcessorName() {
+  wchar_t name[256] = {};
+  DWORD size = sizeof(name);
+  ::RegGetValueW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0",
+                 L"ProcessorNameString", RRF_RT_REG_SZ | RRF_SUBKEY_WOW6464KEY, nullptr, name,
+                 &size);
+  return name;
 }
 
 }  // namespace velhal::testing

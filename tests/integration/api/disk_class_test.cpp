@@ -95,24 +95,24 @@ TEST_F(DiskClassTest, ListsTheDisksWmiNames) {
   ASSERT_NE(list, nullptr);
   EXPECT_GE(list->count, 1u);
   EXPECT_EQ(list->totalSize, 8 + 16 * list->count);
-  EXPECT_EQ(Query<uint32_t>(nullptr, 7), list->count);
+  EXPECT_EQ(Query<uint32_t>(nullptr, HAL_DISK_INFO_COUNT), list->count);
   std::free(list);
 }
 
 TEST_F(DiskClassTest, SizesAgreeWithTheDisksOwnGeometry) {
   const std::optional<uint64_t> bytes = OwnGeometryBytes(entry_.handle);
   ASSERT_TRUE(bytes.has_value()) << "the geometry I/O control fails here";
-  EXPECT_EQ(Query<uint64_t>(&entry_, 3), *bytes >> 20);
-  EXPECT_EQ(Query<uint64_t>(&entry_, 5), *bytes / 1000000000);
-  EXPECT_EQ(Query<uint64_t>(&entry_, 6), *bytes / 1000000);
+  EXPECT_EQ(Query<uint64_t>(&entry_, HAL_DISK_INFO_SIZE_MIB), *bytes >> 20);
+  EXPECT_EQ(Query<uint64_t>(&entry_, HAL_DISK_INFO_SIZE_DECIMAL_GB), *bytes / 1000000000);
+  EXPECT_EQ(Query<uint64_t>(&entry_, HAL_DISK_INFO_SIZE_DECIMAL_MB), *bytes / 1000000);
 }
 
 TEST_F(DiskClassTest, FreeSpaceAgreesWithAnIndependentLetterWalk) {
   const uint64_t expected = OwnFreeMiB(0);
-  EXPECT_EQ(Query<uint64_t>(&entry_, 4), expected);
-  EXPECT_EQ(Query<uint64_t>(&entry_, 8), expected);
+  EXPECT_EQ(Query<uint64_t>(&entry_, HAL_DISK_INFO_FREE_MIB), expected);
+  EXPECT_EQ(Query<uint64_t>(&entry_, HAL_DISK_INFO_FREE_MIB_SECOND_FORM), expected);
   HalDeviceEntry absent{nullptr, 57, 0};  // no volume: 0, success
-  EXPECT_EQ(Query<uint64_t>(&absent, 4), 0u);
+  EXPECT_EQ(Query<uint64_t>(&absent, HAL_DISK_INFO_FREE_MIB), 0u);
 }
 
 TEST_F(DiskClassTest, TrimFollowsTheStorageProperty) {
@@ -124,25 +124,26 @@ TEST_F(DiskClassTest, TrimFollowsTheStorageProperty) {
   if (!::DeviceIoControl(entry_.handle, IOCTL_STORAGE_QUERY_PROPERTY, &query, sizeof(query), &trim,
                          sizeof(trim), &bytes, nullptr)) {
     const DWORD error = ::GetLastError();
-    EXPECT_EQ(Query<uint32_t>(&entry_, 10), std::nullopt);
+    EXPECT_EQ(Query<uint32_t>(&entry_, HAL_DISK_INFO_TRIM_ENABLED), std::nullopt);
     GTEST_SKIP() << "the system answers no TRIM property (error " << error << ")";
   }
-  EXPECT_EQ(Query<uint32_t>(&entry_, 10), uint32_t{trim.TrimEnabled == 1});
+  EXPECT_EQ(Query<uint32_t>(&entry_, HAL_DISK_INFO_TRIM_ENABLED), uint32_t{trim.TrimEnabled == 1});
 }
 
 TEST_F(DiskClassTest, TextClassesAnswerWhereWmiHasTheProperty) {
   wchar_t text[256] = {};
   uint32_t returned = 0;
   // Wine serves MediaType and SerialNumber of Win32_DiskDrive, not Caption or FirmwareRevision.
-  for (uint32_t info_class : {0u, 2u}) {
+  for (uint32_t info_class : {HAL_DISK_INFO_MEDIA_TYPE_TEXT, HAL_DISK_INFO_SERIAL_NUMBER}) {
     SCOPED_TRACE(info_class);
-    EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &entry_, info_class, text, sizeof(text),
-                                  &returned),
-              1u);
+    EXPECT_EQ(
+        HalQueryInformation(HAL_CLASS_DISK, &entry_, info_class, text, sizeof(text), &returned),
+        1u);
     EXPECT_GT(returned, 0u);
     EXPECT_EQ(returned % 2, 0u);
   }
-  if (!HalQueryInformation(HAL_CLASS_DISK, &entry_, 1, text, sizeof(text), &returned)) {
+  if (!HalQueryInformation(HAL_CLASS_DISK, &entry_, HAL_DISK_INFO_CAPTION, text, sizeof(text),
+                           &returned)) {
     if (velhal::testing::RunningOnWine()) GTEST_SKIP() << "Wine's Win32_DiskDrive has no Caption";
     ADD_FAILURE() << "no caption for disk 0";
   }
@@ -152,7 +153,7 @@ TEST_F(DiskClassTest, SystemDiskIsTheDiskOfTheVolumeLabelledWindows) {
   // The Wine test session labels C: "Windows"; on Windows the system volume often is so labelled.
   wchar_t label[MAX_PATH + 1] = {};
   ::GetVolumeInformationW(L"C:\\", label, MAX_PATH + 1, nullptr, nullptr, nullptr, nullptr, 0);
-  const std::optional<uint32_t> index = Query<uint32_t>(nullptr, 12);
+  const std::optional<uint32_t> index = Query<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX);
   if (std::wstring(label) != L"Windows") {
     // Unlabelled: the first partition WMI lists answers, "Disk #n, Partition #m".
     const auto antecedents = velhal::testing::RawWmiTexts(

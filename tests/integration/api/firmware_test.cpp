@@ -43,7 +43,8 @@ struct OwnWalk {
         const int n = offset < p[1] ? p[offset] : 0;
         return n >= 1 && n <= static_cast<int>(set.size()) ? set[n - 1] : std::string();
       };
-      for (int offset : {4, 5, 6, 7, 8, 0x0A, 0x15, 0x19, 0x1A}) strings[{type, offset}] = text(offset);
+      for (int offset : {4, 5, 6, 7, 8, 0x0A, 0x15, 0x19, 0x1A})
+        strings[{type, offset}] = text(offset);
       if (p[1] > 5) bytes[{type, 5}] = p[5];
       if (type == 1 && p[1] >= 0x18) uuid.assign(p + 8, p + 0x18);
       p = (set.empty() ? strings_at + 1 : s) + 1;
@@ -114,7 +115,8 @@ TEST(FirmwareIdentityTest, HardwareConfigReadsTheFileBesideTheDll) {
   ASSERT_TRUE(::MoveFileExW(file.c_str(), kept.c_str(), MOVEFILE_REPLACE_EXISTING));
 
   auto& config = const_cast<HardwareConfig&>(HardwareConfig::GetInstance());
-  const std::string text = "<?xml version=\"1.0\"?>\n<r><hardwareVendor>\nVEN_TEST1;VEN_TEST2\n</hardwareVendor></r>\n";
+  const std::string text =
+      "<?xml version=\"1.0\"?>\n<r><hardwareVendor>\nVEN_TEST1;VEN_TEST2\n</hardwareVendor></r>\n";
   HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                 FILE_ATTRIBUTE_NORMAL, nullptr);
   ASSERT_NE(handle, INVALID_HANDLE_VALUE);

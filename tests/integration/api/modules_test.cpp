@@ -19,18 +19,11 @@
 
 namespace {
 
+using velhal::testing::RegistryProcessorName;
+
 using velhal::testing::QueryNumber;
 using velhal::testing::RawWmiFirstNumber;
 using velhal::testing::RawWmiTexts;
-
-std::wstring RegistryProcessorName() {
-  wchar_t name[256] = {};
-  DWORD size = sizeof(name);
-  ::RegGetValueW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0",
-                 L"ProcessorNameString", RRF_RT_REG_SZ | RRF_SUBKEY_WOW6464KEY, nullptr, name,
-                 &size);
-  return name;
-}
 
 TEST(ProcessorModuleTest, NameAndNumbersAgreeWithTheSystem) {
   Cpu cpu;
@@ -44,14 +37,17 @@ TEST(ProcessorModuleTest, NameAndNumbersAgreeWithTheSystem) {
   }
 
   const std::pair<uint32_t, const wchar_t*> numeric[] = {
-      {7, L"CurrentClockSpeed"}, {8, L"ExtClock"},  {9, L"MaxClockSpeed"},
-      {10, L"NumberOfCores"},    {11, L"NumberOfLogicalProcessors"}, {17, L"LoadPercentage"},
+      {HAL_CPU_INFO_CURRENT_CLOCK, L"CurrentClockSpeed"},
+      {HAL_CPU_INFO_EXTERNAL_CLOCK, L"ExtClock"},
+      {HAL_CPU_INFO_MAX_CLOCK, L"MaxClockSpeed"},
+      {HAL_CPU_INFO_CORES, L"NumberOfCores"},
+      {HAL_CPU_INFO_LOGICAL_PROCESSORS, L"NumberOfLogicalProcessors"},
+      {HAL_CPU_INFO_LOAD_PERCENTAGE, L"LoadPercentage"},
   };
   for (const auto& [info_class, property] : numeric) {
     SCOPED_TRACE(testing::Message() << property);
-    std::optional<uint32_t> expected =
-        RawWmiFirstNumber((std::wstring(L"SELECT ") + property + L" FROM Win32_Processor").c_str(),
-                          property);
+    std::optional<uint32_t> expected = RawWmiFirstNumber(
+        (std::wstring(L"SELECT ") + property + L" FROM Win32_Processor").c_str(), property);
     if (expected == 0u || expected == 0xFFFFFFFFu) expected.reset();  // no reading
     uint32_t value = 0, returned = 0;
     const uint32_t ok = CpuQueryInformation(info_class, &value, 4, &returned);
@@ -63,7 +59,8 @@ TEST(ProcessorModuleTest, NameAndNumbersAgreeWithTheSystem) {
   __cpuid(registers, static_cast<int>(0x80000000));
   const bool known = cpu.GetCputype() == HalCpuTypeIntel || cpu.GetCputype() == HalCpuTypeAmd;
   uint32_t value = 7, returned = 0xA5;
-  const uint32_t probed = CpuQueryInformation(6, &value, 4, &returned);
+  const uint32_t probed =
+      CpuQueryInformation(HAL_CPU_INFO_EXTENDED_LEAF_PROBE, &value, 4, &returned);
   if (known && registers[0] >= static_cast<int>(0x80000008)) {
     EXPECT_EQ(probed, 1u);
     EXPECT_EQ(value, 0u);
@@ -104,12 +101,16 @@ TEST(MemoryModuleTest, ModulesAgreeWithWin32PhysicalMemory) {
 TEST(BatteryModuleTest, AgreesWithThePowerStatus) {
   SYSTEM_POWER_STATUS status{};
   ASSERT_TRUE(::GetSystemPowerStatus(&status));
-  EXPECT_EQ(QueryNumber<uint32_t>(HAL_CLASS_BATTERY, nullptr, 6), uint32_t{status.ACLineStatus});
+  EXPECT_EQ(QueryNumber<uint32_t>(HAL_CLASS_BATTERY, nullptr, HAL_BATTERY_INFO_AC_LINE_STATUS),
+            uint32_t{status.ACLineStatus});
   Battery battery;
   const bool present = status.BatteryFlag != 128 && status.BatteryFlag != 255;
   EXPECT_EQ(battery.CheckBattery(), present);
   if (!present) {
-    for (uint32_t info_class : {0u, 3u, 4u, 5u, 7u, 8u}) {
+    for (uint32_t info_class :
+         {HAL_BATTERY_INFO_PRESENT, HAL_BATTERY_INFO_REMAINING_CAPACITY,
+          HAL_BATTERY_INFO_FULL_CHARGE_CAPACITY, HAL_BATTERY_INFO_DESIGN_CAPACITY,
+          HAL_BATTERY_INFO_VOLTAGE, HAL_BATTERY_INFO_LOSS}) {
       EXPECT_EQ(QueryNumber<uint32_t>(HAL_CLASS_BATTERY, nullptr, info_class), std::nullopt)
           << info_class;
     }

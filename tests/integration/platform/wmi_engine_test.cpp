@@ -11,20 +11,14 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/raw_wmi.h"
 #include "tests/support/wine.h"
 
 namespace {
 
-const std::wstring kCimV2 = L"ROOT\\CIMV2";
+using velhal::testing::RegistryProcessorName;
 
-std::wstring RegistryProcessorName() {
-  wchar_t name[256] = {};
-  DWORD size = sizeof(name);
-  ::RegGetValueW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0",
-                 L"ProcessorNameString", RRF_RT_REG_SZ | RRF_SUBKEY_WOW6464KEY, nullptr, name,
-                 &size);
-  return name;
-}
+const std::wstring kCimV2 = L"ROOT\\CIMV2";
 
 // Each test thread starts without COM: the engine must cope and leave none behind.
 class WmiEngineTest : public ::testing::Test {};
@@ -63,9 +57,9 @@ TEST_F(WmiEngineTest, ReadsTextAndNumbersOfSeveralClasses) {
 TEST_F(WmiEngineTest, HandsOver64BitValuesAsText) {
   VelSDK::WmiQuery wmi(kCimV2);
   std::vector<std::wstring> capacities;
-  ASSERT_EQ(wmi.ExcuteQuery(L"SELECT Capacity FROM Win32_PhysicalMemory", L"Capacity",
-                            capacities, false),
-            0);
+  ASSERT_EQ(
+      wmi.ExcuteQuery(L"SELECT Capacity FROM Win32_PhysicalMemory", L"Capacity", capacities, false),
+      0);
   unsigned long long installed = 0;
   for (const std::wstring& text : capacities) {
     ASSERT_FALSE(text.empty());
@@ -81,8 +75,8 @@ TEST_F(WmiEngineTest, HandsOver64BitValuesAsText) {
   // A value above 32 bits has no unsigned 32-bit form: nothing is appended.
   if (installed > 0xFFFFFFFFull && capacities.size() == 1) {
     std::vector<unsigned int> as_number;
-    EXPECT_EQ(wmi.ExcuteQuery(L"SELECT Capacity FROM Win32_PhysicalMemory", L"Capacity",
-                              as_number, false),
+    EXPECT_EQ(wmi.ExcuteQuery(L"SELECT Capacity FROM Win32_PhysicalMemory", L"Capacity", as_number,
+                              false),
               -15);
   }
 }
@@ -96,14 +90,13 @@ TEST_F(WmiEngineTest, ReportsEveryFailureAsItsOwnCode) {
   EXPECT_TRUE(values.empty());
 
   // Objects that all lack the property: the query ran and produced no value.
-  EXPECT_EQ(wmi.ExcuteQuery(L"SELECT Name FROM Win32_Processor", L"VelHalNoSuchProperty", values,
-                            false),
-            -15);
+  EXPECT_EQ(
+      wmi.ExcuteQuery(L"SELECT Name FROM Win32_Processor", L"VelHalNoSuchProperty", values, false),
+      -15);
 
   if (velhal::testing::RunningOnWine()) {
     // A property Windows has and Wine 8 lacks.
-    EXPECT_EQ(wmi.ExcuteQuery(L"SELECT ExtClock FROM Win32_Processor", L"ExtClock", values,
-                              false),
+    EXPECT_EQ(wmi.ExcuteQuery(L"SELECT ExtClock FROM Win32_Processor", L"ExtClock", values, false),
               -15);
   }
 
@@ -124,8 +117,8 @@ TEST_F(WmiEngineTest, ReportsEveryFailureAsItsOwnCode) {
   // ROOT\WMI answers too; its battery classes are empty where there is no battery.
   VelSDK::WmiQuery root_wmi(L"ROOT\\WMI");
   std::vector<unsigned int> voltages;
-  const int battery = root_wmi.ExcuteQuery(L"SELECT Voltage FROM BatteryStatus", L"Voltage",
-                                           voltages, false);
+  const int battery =
+      root_wmi.ExcuteQuery(L"SELECT Voltage FROM BatteryStatus", L"Voltage", voltages, false);
   EXPECT_TRUE(battery == 0 || battery == -15) << battery;
   if (velhal::testing::RunningOnWine()) {
     EXPECT_EQ(battery, -15) << "Wine serves no battery";

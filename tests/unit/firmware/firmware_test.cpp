@@ -38,7 +38,7 @@ class FirmwareTest : public ::testing::Test {
   }
   void Write(const wchar_t* file, const std::string& text) {
     const HANDLE handle = ::CreateFileW((adapter_ + file).c_str(), GENERIC_WRITE, 0, nullptr,
-                                       CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+                                        CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(handle, INVALID_HANDLE_VALUE);
     DWORD written = 0;
     ::WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
@@ -67,7 +67,8 @@ TEST_F(FirmwareTest, TheFirmwareTableIsReadWithItsVersions) {
 
 TEST_F(FirmwareTest, ASizeMismatchFillsNothingAndTriesNoWmi) {
   os_.firmware_table.available = true;
-  os_.firmware_table.table = SmbiosBuilder().Record(1, {1, 0, 0, 0}, {"Maker"}).RawFirmwareTable(3, 4);
+  os_.firmware_table.table =
+      SmbiosBuilder().Record(1, {1, 0, 0, 0}, {"Maker"}).RawFirmwareTable(3, 4);
   os_.firmware_table.short_by = 1;
   const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);
@@ -80,22 +81,23 @@ TEST_F(FirmwareTest, ASizeMismatchFillsNothingAndTriesNoWmi) {
 TEST_F(FirmwareTest, WithoutTheFunctionWmiServesTheBareStructures) {
   const std::vector<uint8_t> structures =
       SmbiosBuilder().Record(3, {1, 0x20, 0, 0, 0}, {"Chassis Maker"}).Bytes();
-  os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
-              {FakeValue::Bytes(structures)});
+  os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables",
+                 L"SMBiosData", {FakeValue::Bytes(structures)});
   velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);  // no header on this path
   EXPECT_EQ(snapshot.fields.chassis_manufacturer, "Chassis Maker");
   EXPECT_EQ(snapshot.fields.chassis_type, 0x20);
 
-  os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
-              {FakeValue::Null(CIM_UINT8 | CIM_FLAG_ARRAY)});  // as Wine answers
+  os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables",
+                 L"SMBiosData", {FakeValue::Null(CIM_UINT8 | CIM_FLAG_ARRAY)});  // as Wine answers
   snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.fields.chassis_type, 0);
 }
 
 TEST_F(FirmwareTest, HardwareConfigReportsEveryLoadCode) {
   // The instance is handed out const; LoadConfig and Reset are its non-const members.
-  HardwareConfig& config = const_cast<HardwareConfig&>(HardwareConfig::GetInstance());  // no file yet
+  HardwareConfig& config =
+      const_cast<HardwareConfig&>(HardwareConfig::GetInstance());  // no file yet
   std::vector<std::string> vendors{"stale"};
   EXPECT_EQ(config.GetAudioVendor(vendors), -4);
   EXPECT_TRUE(vendors.empty());
@@ -138,8 +140,9 @@ TEST_F(FirmwareTest, HardwareConfigReportsEveryLoadCode) {
 
 TEST_F(FirmwareTest, UnsupportedSkusComeFromTheFirstUnsupportElement) {
   EXPECT_TRUE(velhal::firmware::ReadUnsupportedSkus().empty());
-  Write(L"WifiBTConfig.xml", "<any><x/><unsupport>EXB14G2#ABA;;ZX-100;</unsupport>"
-                             "<unsupport>ignored</unsupport></any>");
+  Write(L"WifiBTConfig.xml",
+        "<any><x/><unsupport>EXB14G2#ABA;;ZX-100;</unsupport>"
+        "<unsupport>ignored</unsupport></any>");
   EXPECT_EQ(velhal::firmware::ReadUnsupportedSkus(),
             (std::vector<std::string>{"EXB14G2#ABA", "ZX-100"}));
   Write(L"WifiBTConfig.xml", "<any><nested><unsupport>deep</unsupport></nested></any>");
@@ -148,7 +151,7 @@ TEST_F(FirmwareTest, UnsupportedSkusComeFromTheFirstUnsupportElement) {
 
 TEST_F(FirmwareTest, SerialFallsBackToWmiThenToThePlaceholder) {
   os_.wmi.Script(velhal::wmi::kCimV2, L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
-              {FakeValue::Text(L"ABC")});
+                 {FakeValue::Text(L"ABC")});
   SystemInfo info;
   EXPECT_EQ(info.GetDeviceSerialNumber(), "ABC");
   char buffer[8];
@@ -174,7 +177,7 @@ TEST_F(FirmwareTest, NoSerialAnywhereGivesThePlaceholder) {
 
 TEST_F(FirmwareTest, ASerialThatDoesNotFitFallsToThePlaceholder) {
   os_.wmi.Script(velhal::wmi::kCimV2, L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
-              {FakeValue::Text(L"0123456789")});
+                 {FakeValue::Text(L"0123456789")});
   SystemInfo info;
   char ten[10], eleven[11], twenty_four[24];
   EXPECT_EQ(info.GetDeviceSerialNumberEx(ten, sizeof(ten)), SN_PLACEHOLDER_TOO_LONG);
@@ -182,7 +185,7 @@ TEST_F(FirmwareTest, ASerialThatDoesNotFitFallsToThePlaceholder) {
   EXPECT_EQ(info.GetDeviceSerialNumberEx(eleven, sizeof(eleven)), SN_SUCCESS);
   EXPECT_EQ(std::string(eleven, 11), std::string("0123456789\0", 11));
   os_.wmi.Script(velhal::wmi::kCimV2, L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber",
-              {FakeValue::Text(L"changed")});  // the first real answer is kept for good
+                 {FakeValue::Text(L"changed")});  // the first real answer is kept for good
   EXPECT_EQ(info.GetDeviceSerialNumberEx(twenty_four, sizeof(twenty_four)), SN_SUCCESS);
   EXPECT_EQ(std::string(twenty_four), "0123456789");
 }

@@ -30,12 +30,15 @@ class AudioEndpointsTest : public ::testing::Test {
     std::memcpy(buffer, &level, 4);
     buffer[4] = relative;
     HalDeviceEntry entry{};
-    return HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_SPEAKER_VOLUME, buffer, size, nullptr);
+    return HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_SPEAKER_VOLUME,
+                             buffer, size, nullptr);
   }
   int32_t Volume() {
     int32_t percent = -1;
     uint32_t returned = 0;
-    EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_VOLUME, &percent, 4, &returned), 1u);
+    EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_VOLUME,
+                                  &percent, 4, &returned),
+              1u);
     EXPECT_EQ(returned, 4u);
     return percent;
   }
@@ -52,7 +55,9 @@ TEST_F(AudioEndpointsTest, InitListsTheMatchingControllersAndOpensNoEndpoint) {
   EXPECT_EQ(os_.audio.activations, 0);
   int32_t percent = 0;
   uint32_t returned = 0;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_VOLUME, &percent, 4, &returned), 0u);
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_VOLUME,
+                                &percent, 4, &returned),
+            0u);
 
   // An endpoint already held stays held: init never opens or re-opens one.
   OpenBoth();
@@ -99,20 +104,34 @@ TEST_F(AudioEndpointsTest, MuteChangesOnlyWhatDiffers) {
   OpenBoth();
   HalDeviceEntry entry{};
   uint32_t value = 1;
-  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE, &value, 4, nullptr), 1u);
+  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE,
+                              &value, 4, nullptr),
+            1u);
   EXPECT_TRUE(os_.audio.capture.muted);
   const int sets = os_.audio.capture.sets;
-  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE, &value, 4, nullptr), 1u);
-  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE, nullptr, 4, nullptr), 1u);
+  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE,
+                              &value, 4, nullptr),
+            1u);
+  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE,
+                              nullptr, 4, nullptr),
+            1u);
   EXPECT_EQ(os_.audio.capture.sets, sets);  // equal state or no buffer: nothing called
-  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE, &value, 3, nullptr), 0u);
-  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_MICROPHONE_MUTE, &value, 4, nullptr), 0u);
+  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, &entry, HAL_AUDIO_INFO_MICROPHONE_MUTE,
+                              &value, 3, nullptr),
+            0u);
+  EXPECT_EQ(HalSetInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_MICROPHONE_MUTE,
+                              &value, 4, nullptr),
+            0u);
 
   // The mute queries take any buffer size (callers pass 0).
   uint32_t muted = 7, returned = 0;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_MICROPHONE_MUTE, &muted, 0, &returned), 1u);
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_MICROPHONE_MUTE,
+                                &muted, 0, &returned),
+            1u);
   EXPECT_EQ(muted, 1u);
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_MUTE, &muted, 0, &returned), 1u);
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_MUTE,
+                                &muted, 0, &returned),
+            1u);
   EXPECT_EQ(muted, 0u);
   EXPECT_EQ(returned, 4u);
 }
@@ -120,13 +139,18 @@ TEST_F(AudioEndpointsTest, MuteChangesOnlyWhatDiffers) {
 TEST_F(AudioEndpointsTest, CallbacksAreTakenOverAndReleasedOnceInOrder) {
   FakeVolumeCallback speaker, microphone, ignored;
   EXPECT_EQ(HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, 7, &ignored, nullptr), 1u);
-  EXPECT_EQ(HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_ENDPOINT_MICROPHONE, nullptr, nullptr), 0u);
+  EXPECT_EQ(
+      HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_ENDPOINT_MICROPHONE, nullptr, nullptr),
+      0u);
 
   ASSERT_EQ(velhal::hal::OpenAudioEndpoint(eRender), S_OK);
-  EXPECT_EQ(HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_ENDPOINT_SPEAKER, &speaker, nullptr), 1u);
+  EXPECT_EQ(
+      HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_ENDPOINT_SPEAKER, &speaker, nullptr), 1u);
   EXPECT_EQ(os_.audio.render.registered.size(), 1u);
   // The microphone is not held: stored all the same, and the call fails.
-  EXPECT_EQ(HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_ENDPOINT_MICROPHONE, &microphone, nullptr), 0u);
+  EXPECT_EQ(HalSetCallback(HAL_CLASS_AUDIO_ENDPOINTS, HAL_AUDIO_ENDPOINT_MICROPHONE, &microphone,
+                           nullptr),
+            0u);
 
   EXPECT_EQ(HalCloseDevice(HAL_CLASS_AUDIO_ENDPOINTS, nullptr), 1u);
   // The library took over the host's reference and gave it back once; Core Audio's is gone.
@@ -140,7 +164,9 @@ TEST_F(AudioEndpointsTest, CallbacksAreTakenOverAndReleasedOnceInOrder) {
   EXPECT_EQ(HalCloseDevice(HAL_CLASS_AUDIO_ENDPOINTS, nullptr), 1u);  // nothing held: still 1
   EXPECT_FALSE(speaker.over_released || microphone.over_released);
   uint32_t muted = 0, returned = 0;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_MUTE, &muted, 4, &returned), 0u);
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_AUDIO_ENDPOINTS, nullptr, HAL_AUDIO_INFO_SPEAKER_MUTE,
+                                &muted, 4, &returned),
+            0u);
 }
 
 TEST_F(AudioEndpointsTest, OpeningReportsTheFirstFailure) {

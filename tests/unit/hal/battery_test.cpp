@@ -56,7 +56,8 @@ class BatteryTest : public ::testing::Test {
         info.DesignedCapacity = design;
         return FakeDeviceIo::Answer(Bytes(info));
       }
-      if (query.InformationLevel == BatteryDeviceName) return FakeDeviceIo::Answer(Utf16Bytes(name));
+      if (query.InformationLevel == BatteryDeviceName)
+        return FakeDeviceIo::Answer(Utf16Bytes(name));
       if (query.InformationLevel == BatteryManufactureName) {
         return FakeDeviceIo::Answer(Utf16Bytes(maker));
       }
@@ -66,7 +67,8 @@ class BatteryTest : public ::testing::Test {
     // Drivers refuse a wait-status input shorter than the published 20 bytes.
     FakeDeviceIo::Ioctl status;
     status.by_input = [=](const std::vector<BYTE>& in) {
-      if (in.size() < sizeof(BATTERY_WAIT_STATUS)) return FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER);
+      if (in.size() < sizeof(BATTERY_WAIT_STATUS))
+        return FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER);
       BATTERY_STATUS answer{};
       answer.Voltage = voltage;
       return FakeDeviceIo::Answer(Bytes(answer));
@@ -80,8 +82,9 @@ class BatteryTest : public ::testing::Test {
 
 TEST_F(BatteryTest, ADesktopHasNoBatteryButReportsItsAcLine) {
   for (uint32_t info_class :
-       {HAL_BATTERY_INFO_PRESENT, HAL_BATTERY_INFO_REMAINING_CAPACITY, HAL_BATTERY_INFO_FULL_CHARGE_CAPACITY,
-        HAL_BATTERY_INFO_DESIGN_CAPACITY, HAL_BATTERY_INFO_VOLTAGE, HAL_BATTERY_INFO_LOSS}) {
+       {HAL_BATTERY_INFO_PRESENT, HAL_BATTERY_INFO_REMAINING_CAPACITY,
+        HAL_BATTERY_INFO_FULL_CHARGE_CAPACITY, HAL_BATTERY_INFO_DESIGN_CAPACITY,
+        HAL_BATTERY_INFO_VOLTAGE, HAL_BATTERY_INFO_LOSS}) {
     EXPECT_EQ(Query(info_class), std::nullopt) << info_class;
   }
   EXPECT_EQ(Query(HAL_BATTERY_INFO_AC_LINE_STATUS), 1u);
@@ -125,30 +128,31 @@ TEST_F(BatteryTest, RatesFollowTheLineAndTheSign) {
 TEST_F(BatteryTest, LossIsWearInHundredthsOfAPercent) {
   OnBattery(-1000, 30000, 45000);
   os_.wmi.Script(kRootWmi, L"SELECT DesignedCapacity FROM BatteryStaticData", L"DesignedCapacity",
-              {FakeValue::UInt32(50000)});
+                 {FakeValue::UInt32(50000)});
   EXPECT_EQ(Query(HAL_BATTERY_INFO_DESIGN_CAPACITY), 50000u);
   EXPECT_EQ(Query(HAL_BATTERY_INFO_LOSS), 1000u);
   Battery battery;
   EXPECT_FLOAT_EQ(battery.GetBattertLoss(), 10.0f);
   EXPECT_EQ(battery.GetBatteryPercent(), 67u);  // 30000 / 45000, rounded
-  os_.power.battery.MaxCapacity = 50500;           // holds more than its design: failure, not 0
+  os_.power.battery.MaxCapacity = 50500;        // holds more than its design: failure, not 0
   EXPECT_EQ(Query(HAL_BATTERY_INFO_LOSS), std::nullopt);
   os_.power.battery.MaxCapacity = 50000;
   EXPECT_EQ(Query(HAL_BATTERY_INFO_LOSS), std::nullopt);
   os_.wmi.Script(kRootWmi, L"SELECT DesignedCapacity FROM BatteryStaticData", L"DesignedCapacity",
-              {FakeValue::UInt32(0xFFFFFFFF)});
+                 {FakeValue::UInt32(0xFFFFFFFF)});
   EXPECT_EQ(Query(HAL_BATTERY_INFO_DESIGN_CAPACITY), std::nullopt);
 }
 
 TEST_F(BatteryTest, TheDriverAnswersBeforeWmi) {
   OnBattery(-1000);
   os_.wmi.Script(kRootWmi, L"SELECT DesignedCapacity FROM BatteryStaticData", L"DesignedCapacity",
-              {FakeValue::UInt32(1)});
-  os_.wmi.Script(kRootWmi, L"SELECT Voltage FROM BatteryStatus", L"Voltage", {FakeValue::UInt32(2)});
+                 {FakeValue::UInt32(1)});
+  os_.wmi.Script(kRootWmi, L"SELECT Voltage FROM BatteryStatus", L"Voltage",
+                 {FakeValue::UInt32(2)});
   os_.wmi.Script(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName",
-              {FakeValue::Text(L"WMI name")});
+                 {FakeValue::Text(L"WMI name")});
   os_.wmi.Script(kRootWmi, L"SELECT ManufactureName FROM BatteryStaticData", L"ManufactureName",
-              {FakeValue::Text(L"WMI maker")});
+                 {FakeValue::Text(L"WMI maker")});
   EXPECT_EQ(Query(HAL_BATTERY_INFO_DESIGN_CAPACITY), 1u);  // no driver: WMI
   EXPECT_EQ(Query(HAL_BATTERY_INFO_VOLTAGE), 2u);
 
@@ -164,14 +168,15 @@ TEST_F(BatteryTest, TheDriverAnswersBeforeWmi) {
   EXPECT_EQ(os_.io.open_handles(), 0u);
 
   // A tag of 0 means an empty slot: WMI again. An empty manufacturer from the driver stays.
-  os_.io.devices[kBatteryPath].ioctls[IOCTL_BATTERY_QUERY_TAG] = FakeDeviceIo::Answer(Bytes(ULONG{0}));
+  os_.io.devices[kBatteryPath].ioctls[IOCTL_BATTERY_QUERY_TAG] =
+      FakeDeviceIo::Answer(Bytes(ULONG{0}));
   EXPECT_EQ(Query(HAL_BATTERY_INFO_DESIGN_CAPACITY), 1u);
   EXPECT_EQ(battery.GetBatteryManufacturer(), L"WMI maker");
 }
 
 TEST_F(BatteryTest, TextsNeedRoomForTheirTerminator) {
   os_.wmi.Script(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName",
-              {FakeValue::Text(L"DELL 7FHHV")});
+                 {FakeValue::Text(L"DELL 7FHHV")});
   std::array<char, 16> text;
   text.fill('#');
   uint32_t returned = 0;
@@ -184,13 +189,14 @@ TEST_F(BatteryTest, TextsNeedRoomForTheirTerminator) {
   // An empty name from the source is an answer of 0 bytes, its NUL still needing room; a name
   // no source gives is a failure.
   os_.wmi.Script(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName",
-              {FakeValue::Text(L"")});
+                 {FakeValue::Text(L"")});
   EXPECT_EQ(BtQueryInformation(HAL_BATTERY_INFO_DEVICE_NAME, text.data(), 0, &returned), 0u);
   EXPECT_EQ(BtQueryInformation(HAL_BATTERY_INFO_DEVICE_NAME, text.data(), 1, &returned), 1u);
   EXPECT_EQ(returned, 0u);
   EXPECT_EQ(text[0], '\0');
   returned = 0xA5A5;
-  EXPECT_EQ(BtQueryInformation(HAL_BATTERY_INFO_MANUFACTURER, text.data(), 16, &returned), 0u);  // no source answers
+  EXPECT_EQ(BtQueryInformation(HAL_BATTERY_INFO_MANUFACTURER, text.data(), 16, &returned),
+            0u);  // no source answers
   EXPECT_EQ(returned, 0xA5A5u);
 }
 
@@ -202,11 +208,14 @@ TEST_F(BatteryTest, ThresholdsGoToTheFirmwareInOrder) {
   EXPECT_EQ(returned, 0xA5A5u);
 
   velhal::os::ScopedBackend<velhal::FirmwareProvider> firmware(firmware_);
-  EXPECT_EQ(BtSetInformation(HAL_BATTERY_SET_CHARGE_THRESHOLD, bytes, 0, &returned), 1u);  // the size is not checked
+  EXPECT_EQ(BtSetInformation(HAL_BATTERY_SET_CHARGE_THRESHOLD, bytes, 0, &returned),
+            1u);  // the size is not checked
   EXPECT_EQ(returned, 2u);
   const std::pair<unsigned char, unsigned char> expected{55, 80};
   EXPECT_EQ(firmware_.thresholds_set.back(), expected);
-  EXPECT_EQ(HalSetInformation(HAL_CLASS_BATTERY, nullptr, HAL_BATTERY_SET_CHARGE_THRESHOLD, bytes, 2, &returned), 1u);
+  EXPECT_EQ(HalSetInformation(HAL_CLASS_BATTERY, nullptr, HAL_BATTERY_SET_CHARGE_THRESHOLD, bytes,
+                              2, &returned),
+            1u);
   EXPECT_EQ(BtSetInformation(11, bytes, 2, &returned), 0u);
   EXPECT_EQ(BtSetInformation(HAL_BATTERY_SET_CHARGE_THRESHOLD, nullptr, 2, &returned), 0u);
   EXPECT_EQ(BtSetInformation(HAL_BATTERY_SET_CHARGE_THRESHOLD, bytes, 2, nullptr), 0u);

@@ -23,10 +23,12 @@ constexpr uint64_t kGiB = 1ull << 30;
 class DiskModuleTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name",
-                {FakeValue::Text(L"\\\\.\\PHYSICALDRIVE0"), FakeValue::Text(L"\\\\.\\PHYSICALDRIVE1"),
-                 FakeValue::Text(L"\\\\.\\PHYSICALDRIVE2")});
-    os_.io.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(100000, 255, 63, 512);
+    os_.wmi.Script(
+        kCimV2, L"SELECT Name FROM Win32_DiskDrive", L"Name",
+        {FakeValue::Text(L"\\\\.\\PHYSICALDRIVE0"), FakeValue::Text(L"\\\\.\\PHYSICALDRIVE1"),
+         FakeValue::Text(L"\\\\.\\PHYSICALDRIVE2")});
+    os_.io.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] =
+        FakeDeviceIo::Geometry(100000, 255, 63, 512);
     os_.io.Disk(0).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true);
     os_.io.Disk(1).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] =
         FakeDeviceIo::Geometry(INT64_C(1) << 41, 255, 63, 512);  // passes 2^63
@@ -36,7 +38,7 @@ class DiskModuleTest : public ::testing::Test {
     os_.io.Volume('D', FILE_DEVICE_DISK, 1, 3 * kGiB);
     os_.io.Volume('E', FILE_DEVICE_DISK, 0, 5 * kGiB);
     os_.io.Volume('F', FILE_DEVICE_CD_ROM, 0, 7 * kGiB);  // matching number, other device type
-    os_.io.free_bytes.erase("E:");                          // free space unknown: counts 0
+    os_.io.free_bytes.erase("E:");                        // free space unknown: counts 0
   }
   HalDeviceEntry OpenEntry(uint32_t index) {
     HalDeviceEntry entry{nullptr, index, 0};
@@ -122,8 +124,8 @@ TEST_F(DiskModuleTest, FreeSpaceSumsTheVolumesOfThisDiskOnly) {
   std::array<unsigned char, 4> small;
   small.fill(0xEE);
   uint32_t returned = 99;
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk0, HAL_DISK_INFO_FREE_MIB_SECOND_FORM, small.data(),
-                                4, &returned),
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk0, HAL_DISK_INFO_FREE_MIB_SECOND_FORM,
+                                small.data(), 4, &returned),
             0u);
   EXPECT_EQ(small, (std::array<unsigned char, 4>{}));
   small.fill(0xEE);
@@ -153,14 +155,13 @@ TEST_F(DiskModuleTest, TrimAsksTheTrimPropertyAndNeedsTheWholeDescriptor) {
 
 TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
   os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='1'", L"Caption",
-              {FakeValue::Text(L"Example NVMe 1TB")});
+                 {FakeValue::Text(L"Example NVMe 1TB")});
   os_.wmi.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '1'", L"MediaType",
-              {FakeValue::Text(L"Fixed hard disk media")});
+                 {FakeValue::Text(L"Fixed hard disk media")});
   os_.wmi.Script(kCimV2, L"SELECT SerialNumber FROM Win32_DiskDrive WHERE Index='1'",
-              L"serialNumber", {FakeValue::Text(L"")});
-  os_.wmi.Script(kStorage,
-              L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '1'", L"MediaType",
-              {FakeValue::UInt32(4)});
+                 L"serialNumber", {FakeValue::Text(L"")});
+  os_.wmi.Script(kStorage, L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '1'", L"MediaType",
+                 {FakeValue::UInt32(4)});
   HalDeviceEntry disk1{nullptr, 1, 0};
 
   // Text: 2n bytes copied, no NUL written, yet room for one required.
@@ -191,8 +192,8 @@ TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
                                 &returned),
             1u);
   EXPECT_EQ(returned, 0u);
-  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_FIRMWARE_REVISION, text.data(),
-                                128, &returned),
+  EXPECT_EQ(HalQueryInformation(HAL_CLASS_DISK, &disk1, HAL_DISK_INFO_FIRMWARE_REVISION,
+                                text.data(), 128, &returned),
             0u);
   EXPECT_EQ(QueryNumber<uint32_t>(&disk1, HAL_DISK_INFO_STORAGE_MEDIA_TYPE), 4u);
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_COUNT), 3u);
@@ -202,17 +203,18 @@ TEST_F(DiskModuleTest, WmiClassesQueryByIndex) {
 TEST_F(DiskModuleTest, SystemDiskComesFromThePartitionOfTheWindowsVolume) {
   const auto script = [&](std::vector<FakeValue> dependents, std::vector<FakeValue> antecedents) {
     os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
-                L"Caption", {FakeValue::Text(L"C:")});
+                   L"Caption", {FakeValue::Text(L"C:")});
     os_.wmi.Script(kCimV2, L"SELECT Dependent FROM Win32_LogicalDiskToPartition", L"Dependent",
-                std::move(dependents));
+                   std::move(dependents));
     os_.wmi.Script(kCimV2, L"SELECT Antecedent FROM Win32_LogicalDiskToPartition", L"Antecedent",
-                std::move(antecedents));
+                   std::move(antecedents));
   };
   const FakeValue d = FakeValue::Text(L"\\\\HOST\\root\\cimv2:Win32_LogicalDisk.DeviceID=\"D:\"");
   const FakeValue c = FakeValue::Text(L"\\\\HOST\\root\\cimv2:Win32_LogicalDisk.DeviceID=\"C:\"");
   const auto partition = [](const wchar_t* disk_part) {
-    return FakeValue::Text(std::wstring(L"\\\\HOST\\root\\cimv2:Win32_DiskPartition.DeviceID=\"Disk #") +
-                           disk_part + L", Partition #0\"");
+    return FakeValue::Text(
+        std::wstring(L"\\\\HOST\\root\\cimv2:Win32_DiskPartition.DeviceID=\"Disk #") + disk_part +
+        L", Partition #0\"");
   };
   script({d, c}, {partition(L"0"), partition(L"12")});
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), 12u);
@@ -229,7 +231,7 @@ TEST_F(DiskModuleTest, SystemDiskComesFromThePartitionOfTheWindowsVolume) {
   // No volume labelled "Windows": the empty caption is found at the first position.
   script({d, c}, {partition(L"3"), partition(L"12")});
   os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_LogicalDisk WHERE VolumeName = 'Windows'",
-              L"Caption", {});
+                 L"Caption", {});
   EXPECT_EQ(QueryNumber<uint32_t>(nullptr, HAL_DISK_INFO_SYSTEM_DISK_INDEX), 3u);
 }
 
@@ -246,7 +248,7 @@ TEST_F(DiskModuleTest, ReadAndWriteMoveThePointerFirst) {
   HalCloseDevice(HAL_CLASS_DISK, &query_only);
 
   HalDeviceEntry writable{os_.io.CreateFileW(L"\\\\.\\PHYSICALDRIVE0", GENERIC_READ | GENERIC_WRITE,
-                                          0, nullptr, OPEN_EXISTING, 0, nullptr),
+                                             0, nullptr, OPEN_EXISTING, 0, nullptr),
                           0, 0};
   offset = 4;
   EXPECT_EQ(HalRead(HAL_CLASS_DISK, &writable, &offset, buffer, 4, &count), 1u);
@@ -280,11 +282,10 @@ TEST_F(DiskModuleTest, DiskClassAnswersPerDiskAndInTotal) {
     EXPECT_EQ(disks.GetTotalCapacity(-1), 0u);
 
     // Media type: the storage namespace first, then WMI's text; SSD judged the same way.
-    os_.wmi.Script(kStorage,
-                L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '1'", L"MediaType",
-                {FakeValue::UInt32(3)});
+    os_.wmi.Script(kStorage, L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '1'", L"MediaType",
+                   {FakeValue::UInt32(3)});
     os_.wmi.Script(kCimV2, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '0'", L"MediaType",
-                {FakeValue::Text(L"Fixed hard disk media")});
+                   {FakeValue::Text(L"Fixed hard disk media")});
     EXPECT_EQ(disks.GetMediaType(1), L"HDD");
     EXPECT_EQ(disks.GetMediaType(0), L"Fixed hard disk media");
     bool ssd = true;

@@ -59,10 +59,12 @@ class FlatBoundaryTest : public ::testing::Test {
                    {FakeValue::Text(L"Example")});
     os_.wmi.Script(velhal::wmi::kStorage, L"SELECT * FROM MSFT_PhysicalDisk where DeviceID = '0'",
                    L"MediaType", {FakeValue::UInt32(4)});
-    os_.io.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] = FakeDeviceIo::Geometry(1000, 255, 63, 512);
+    os_.io.Disk(0).ioctls[IOCTL_DISK_GET_DRIVE_GEOMETRY] =
+        FakeDeviceIo::Geometry(1000, 255, 63, 512);
     os_.io.Disk(0).ioctls[IOCTL_STORAGE_QUERY_PROPERTY] = FakeDeviceIo::Trim(true);
     os_.io.Volume('C', FILE_DEVICE_DISK, 0, 1ull << 32);
-    os_.devices.Add(velhal::device_class::kMedia).HardwareIds({L"HDAUDIO\\FUNC_01&VEN_10EC&DEV_0257"});
+    os_.devices.Add(velhal::device_class::kMedia)
+        .HardwareIds({L"HDAUDIO\\FUNC_01&VEN_10EC&DEV_0257"});
     ASSERT_EQ(velhal::hal::OpenAudioEndpoint(eRender), S_OK);
     ASSERT_EQ(velhal::hal::OpenAudioEndpoint(eCapture), S_OK);
     entry_.index = 0;

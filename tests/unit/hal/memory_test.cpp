@@ -20,18 +20,18 @@ class MemoryTest : public ::testing::Test {
  protected:
   void Locators(std::vector<FakeValue> rows) {
     os_.wmi.Script(kCimV2, L"SELECT DeviceLocator FROM Win32_PhysicalMemory", L"DeviceLocator",
-                std::move(rows));
+                   std::move(rows));
   }
   void Banks(std::vector<FakeValue> rows) {
     os_.wmi.Script(kCimV2, L"SELECT BankLabel FROM Win32_PhysicalMemory", L"BankLabel",
-                std::move(rows));
+                   std::move(rows));
   }
   void Field(const std::wstring& field, const std::wstring& condition, const std::wstring& key,
              const std::wstring& value) {
-    os_.wmi.Script(kCimV2,
-                L"SELECT " + field + L" FROM Win32_PhysicalMemory WHERE " + condition + L"='" +
-                    key + L"'",
-                field, {FakeValue::Text(value)});
+    os_.wmi.Script(
+        kCimV2,
+        L"SELECT " + field + L" FROM Win32_PhysicalMemory WHERE " + condition + L"='" + key + L"'",
+        field, {FakeValue::Text(value)});
   }
   uint32_t QueryText(uint32_t index, uint32_t info_class, std::array<char, 64>& buffer,
                      uint32_t size, uint32_t& returned) {
@@ -92,7 +92,7 @@ TEST_F(MemoryTest, InitAndCountFollowTheModules) {
 
 TEST_F(MemoryTest, FieldsKeepTheirRules) {
   const std::wstring locator = L"ChannelA-DIMM01";  // 15 characters
-  Locators({FakeValue::Text(locator + L"X")});       // 16
+  Locators({FakeValue::Text(locator + L"X")});      // 16
   const std::wstring key = locator + L"X";
   Field(L"Capacity", L"DeviceLocator", key, L"17179869184");
   Field(L"Speed", L"DeviceLocator", key, L"3200");

@@ -18,7 +18,9 @@ const std::wstring kCimV2 = L"ROOT\\CIMV2";
 
 class ProcessorTest : public ::testing::Test {
  protected:
-  void Name(const std::wstring& name) { os_.registry.SetString(kKey, L"ProcessorNameString", name); }
+  void Name(const std::wstring& name) {
+    os_.registry.SetString(kKey, L"ProcessorNameString", name);
+  }
   void Number(const wchar_t* wql, const wchar_t* property, uint32_t value) {
     os_.wmi.Script(kCimV2, wql, property, {FakeValue::UInt32(value)});
   }
@@ -31,7 +33,8 @@ class ProcessorTest : public ::testing::Test {
   std::string Text(uint32_t info_class) {
     std::array<char, 64> buffer{};
     uint32_t returned = 0;
-    return CpuQueryInformation(info_class, buffer.data(), 64, &returned) ? buffer.data() : "<failed>";
+    return CpuQueryInformation(info_class, buffer.data(), 64, &returned) ? buffer.data()
+                                                                         : "<failed>";
   }
 
   velhal::testing::FakeSystem os_;
@@ -42,7 +45,7 @@ TEST_F(ProcessorTest, TypeFollowsThePositionRules) {
       {L"Intel(R) Core(TM) i7-8650U CPU @ 1.90GHz", HalCpuTypeIntel},
       {L"INTEL Xeon", HalCpuTypeIntel},  // only ASCII letters are lowered, all of them
       {L"11th Gen Intel(R) Core(TM) i5-1135G7", HalCpuTypeIntel},  // "intel(r)" counts anywhere
-      {L"Genuine Intel CPU", HalCpuTypeUnknown},                   // plain "intel" only at the start
+      {L"Genuine Intel CPU", HalCpuTypeUnknown},  // plain "intel" only at the start
       {L"AMD Ryzen 7 PRO 4750U", HalCpuTypeAmd},
       {L"  AMD Ryzen", HalCpuTypeUnknown},
       {L"Snapdragon (TM) 8cx Gen 3", HalCpuTypeSnapdragon},
@@ -56,7 +59,8 @@ TEST_F(ProcessorTest, TypeFollowsThePositionRules) {
     EXPECT_EQ(QueryNumber(HAL_CPU_INFO_TYPE), type);
   }
   // An empty registry value sends the name to WMI.
-  os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_Processor", L"Name", {FakeValue::Text(L"AMD EPYC")});
+  os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_Processor", L"Name",
+                 {FakeValue::Text(L"AMD EPYC")});
   EXPECT_EQ(Cpu().GetCputype(), HalCpuTypeAmd);
 }
 
@@ -90,8 +94,9 @@ TEST_F(ProcessorTest, TextsNeedRoomForTheirTerminatorAndTheVendorFallbackKeepsIt
   EXPECT_EQ(CpuQueryInformation(HAL_CPU_INFO_VENDOR, buffer.data(), 32, nullptr), 0u);
 
   // Associativity texts keep their trailing blanks; an unknown or unread value is "Unknown ".
-  for (const auto& [value, text] : {std::pair{3u, "Direct Mapped "}, std::pair{5u, "Fully Associative "},
-                                    std::pair{7u, "8-way"}, std::pair{9u, "Unknown "}}) {
+  for (const auto& [value, text] :
+       {std::pair{3u, "Direct Mapped "}, std::pair{5u, "Fully Associative "},
+        std::pair{7u, "8-way"}, std::pair{9u, "Unknown "}}) {
     SCOPED_TRACE(value);
     Number(L"SELECT Associativity FROM Win32_CacheMemory WHERE Level='4'", L"Associativity", value);
     EXPECT_EQ(Text(HAL_CPU_INFO_L2_ASSOCIATIVITY), text);

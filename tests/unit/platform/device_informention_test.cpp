@@ -35,8 +35,9 @@ class DeviceInformentionTest : public ::testing::Test {
         .String(keys::kParent, L"PCI\\VEN_8086&DEV_A0C8\\3&11583659&0&FB");
     db_.Add(kNet).HardwareIds({kGpu}).String(kManufacturer, L"Second maker");
     db_.Add(kNet).Description(L"No hardware IDs");
-    db_.Add(kSystem).HardwareIds({L"ACPI\\PNP0A08"}).Set(keys::kClass, DEVPROP_TYPE_GUID,
-                                                         std::vector<BYTE>(16, 1));
+    db_.Add(kSystem)
+        .HardwareIds({L"ACPI\\PNP0A08"})
+        .Set(keys::kClass, DEVPROP_TYPE_GUID, std::vector<BYTE>(16, 1));
     db_.Add(kNet).HardwareIds({L"USB\\GONE"}).present = false;
   }
   velhal::testing::FakeSystem os_;
@@ -85,45 +86,43 @@ TEST_F(DeviceInformentionTest, GettersMatchTheExactFirstIdAcrossEveryClass) {
 
 TEST_F(DeviceInformentionTest, ShortCutsAnswerBeforeAnyEnumeration) {
   EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareId(L"", kDisplay, DeviceProperty_DeviceDesc), L"");
-  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareId(L"NO\\SUCH", kDisplay,
-                                                  DeviceProperty_HardwareIds),
-            L"NO\\SUCH");
+  EXPECT_EQ(
+      devices_.GetDeviceStrInfoByHardwareId(L"NO\\SUCH", kDisplay, DeviceProperty_HardwareIds),
+      L"NO\\SUCH");
   EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareIdEx(L"NO\\SUCH", kDisplay,
                                                     DeviceProperty_HardwareIds, true),
             L"NO\\SUCH");
   EXPECT_EQ(devices_.GetDeviceStrInfoByDesc(L"Nothing", kDisplay, DeviceProperty_DeviceDesc),
             L"Nothing");
-  EXPECT_EQ(devices_.GetDeviceStrInfoByDescEx(L"Nothing", kDisplay, DeviceProperty_DeviceDesc,
-                                              false),
-            L"Nothing");
+  EXPECT_EQ(
+      devices_.GetDeviceStrInfoByDescEx(L"Nothing", kDisplay, DeviceProperty_DeviceDesc, false),
+      L"Nothing");
   EXPECT_TRUE(db_.opens.empty());
 
   // The Ex variant has no empty-ID short cut: it searches and finds nothing.
-  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareIdEx(L"", kDisplay, DeviceProperty_DeviceDesc,
-                                                    true),
+  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareIdEx(L"", kDisplay, DeviceProperty_DeviceDesc, true),
             L"");
   EXPECT_EQ(db_.opens.size(), 1u);
 }
 
 TEST_F(DeviceInformentionTest, PropertyReadsCheckTheirType) {
   // A number is no string, a string no number; values outside the table give nothing.
-  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareId(kGpu, kDisplay, DeviceProperty_ProblemCode),
-            L"");
+  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareId(kGpu, kDisplay, DeviceProperty_ProblemCode), L"");
   EXPECT_EQ(devices_.GetDeviceULONGInfoByHardwareId(kGpu, kDisplay, DeviceProperty_Manufacturer),
             0u);
-  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareId(kGpu, kDisplay,
-                                                  static_cast<EnumDeviceProperty>(16)),
-            L"");
-  EXPECT_EQ(devices_.GetDeviceULONGInfoByHardwareId(kGpu, kDisplay,
-                                                    static_cast<EnumDeviceProperty>(99)),
-            0u);
+  EXPECT_EQ(
+      devices_.GetDeviceStrInfoByHardwareId(kGpu, kDisplay, static_cast<EnumDeviceProperty>(16)),
+      L"");
+  EXPECT_EQ(
+      devices_.GetDeviceULONGInfoByHardwareId(kGpu, kDisplay, static_cast<EnumDeviceProperty>(99)),
+      0u);
   // A UINT32 of fewer than four bytes is refused; a string list gives its first string.
   db_.devices[1].Set(keys::kByProperty[DeviceProperty_Address], DEVPROP_TYPE_UINT32, {7, 0});
   EXPECT_EQ(devices_.GetDeviceULONGInfoByDesc(L"Example Audio", kMedia, DeviceProperty_Address),
             0u);
-  EXPECT_EQ(devices_.GetDeviceStrInfoByDesc(L"Example Graphics", kMedia,
-                                            DeviceProperty_HardwareIds),
-            kGpu);
+  EXPECT_EQ(
+      devices_.GetDeviceStrInfoByDesc(L"Example Graphics", kMedia, DeviceProperty_HardwareIds),
+      kGpu);
 }
 
 TEST_F(DeviceInformentionTest, ClassListsHaveOneEntryPerPresentDevice) {

@@ -38,8 +38,8 @@ TEST_F(ReadRegTest, ReadsNumbersInThe64BitViewWithoutCheckingTheType) {
     const wchar_t* key;
     const wchar_t* name;
   };
-  for (const Failure& failure : {Failure{kKey, L"Missing"}, Failure{L"SOFTWARE\\Absent", L"X"},
-                                 Failure{kKey, L"Binary8"}}) {
+  for (const Failure& failure :
+       {Failure{kKey, L"Missing"}, Failure{L"SOFTWARE\\Absent", L"X"}, Failure{kKey, L"Binary8"}}) {
     SCOPED_TRACE(testing::Message() << "value " << failure.name);
     value = 77;
     EXPECT_FALSE(ReadReg::ReadLocalMachineRegDW(failure.key, failure.name, value));

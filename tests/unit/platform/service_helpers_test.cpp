@@ -15,7 +15,7 @@ class ServiceHelpersTest : public ::testing::Test {
  protected:
   void ScriptState(const std::wstring& name, const std::wstring& state) {
     os_.wmi.Script(kCimV2, L"SELECT State FROM Win32_Service WHERE Name='" + name + L"'", L"State",
-                {FakeValue::Text(state)});
+                   {FakeValue::Text(state)});
   }
 
   velhal::testing::FakeSystem os_;
@@ -24,9 +24,9 @@ class ServiceHelpersTest : public ::testing::Test {
 TEST_F(ServiceHelpersTest, QueriesAreBuiltAsTheyStandAndCompareExactly) {
   // WQL matched "spooler" regardless of case; the name returned must still match exactly.
   os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_Service WHERE Name='Spooler'", L"Name",
-              {FakeValue::Text(L"Spooler")});
+                 {FakeValue::Text(L"Spooler")});
   os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_Service WHERE Name='spooler'", L"Name",
-              {FakeValue::Text(L"Spooler")});
+                 {FakeValue::Text(L"Spooler")});
   EXPECT_TRUE(IsServiceExist(L"Spooler"));
   EXPECT_FALSE(IsServiceExist(L"spooler"));
   EXPECT_FALSE(IsServiceExist(L"Nothing"));
@@ -43,22 +43,22 @@ TEST_F(ServiceHelpersTest, QueriesAreBuiltAsTheyStandAndCompareExactly) {
   EXPECT_EQ(GetServiceState(L"Unknown"), L"");
 
   os_.wmi.Script(kCimV2, L"SELECT Caption FROM Win32_Process WHERE Caption='explorer.exe'",
-              L"Caption", {FakeValue::Text(L"explorer.exe")});
+                 L"Caption", {FakeValue::Text(L"explorer.exe")});
   EXPECT_TRUE(IsProcessRunning(L"explorer.exe"));
   EXPECT_FALSE(IsProcessRunning(L"absent.exe"));
 
   const std::wstring unsecapp =
       L"SELECT ExecutablePath FROM Win32_Process WHERE Caption='unsecapp.exe'";
   os_.wmi.Script(kCimV2, unsecapp, L"ExecutablePath",
-              {FakeValue::Text(L"C:\\Windows\\system32\\wbem\\unsecapp.exe")});
+                 {FakeValue::Text(L"C:\\Windows\\system32\\wbem\\unsecapp.exe")});
   EXPECT_TRUE(IsProcUnsecappExist());
   os_.wmi.Script(kCimV2, unsecapp, L"ExecutablePath",
-              {FakeValue::Text(L"C:\\WINDOWS\\system32\\wbem\\unsecapp.exe")});
+                 {FakeValue::Text(L"C:\\WINDOWS\\system32\\wbem\\unsecapp.exe")});
   EXPECT_FALSE(IsProcUnsecappExist());
 
   EXPECT_EQ(GetWpnUserServiceExName(), L"");
   os_.wmi.Script(kCimV2, L"SELECT Name FROM Win32_Service Where name like 'WpnUserService_%'",
-              L"Name", {FakeValue::Text(L"WpnUserService_3f2a1"), FakeValue::Text(L"second")});
+                 L"Name", {FakeValue::Text(L"WpnUserService_3f2a1"), FakeValue::Text(L"second")});
   EXPECT_EQ(GetWpnUserServiceExName(), L"WpnUserService_3f2a1");
 
   for (const auto& call : os_.wmi.calls) EXPECT_EQ(call.name_space, kCimV2);
@@ -89,7 +89,8 @@ TEST_F(ServiceHelpersTest, StartResumesOrStartsAndWaitsTwoSeconds) {
   os_.services.manager_fails = true;
   EXPECT_FALSE(StartServiceByName(L"Stopped"));
 
-  for (DWORD access : os_.services.manager_access) EXPECT_EQ(access, static_cast<DWORD>(GENERIC_EXECUTE));
+  for (DWORD access : os_.services.manager_access)
+    EXPECT_EQ(access, static_cast<DWORD>(GENERIC_EXECUTE));
   for (DWORD access : os_.services.service_access) EXPECT_EQ(access, 0x74u);
 }
 
@@ -108,7 +109,8 @@ TEST_F(ServiceHelpersTest, StopOnlyStopsARunningService) {
   StopServiceByName(L"Paused");
   StopServiceByName(L"Missing");
   EXPECT_EQ(os_.services.services[L"Paused"].state, static_cast<DWORD>(SERVICE_PAUSED));
-  EXPECT_EQ(os_.services.controls, (std::vector<DWORD>{SERVICE_CONTROL_STOP, SERVICE_CONTROL_STOP}));
+  EXPECT_EQ(os_.services.controls,
+            (std::vector<DWORD>{SERVICE_CONTROL_STOP, SERVICE_CONTROL_STOP}));
   for (DWORD access : os_.services.service_access) EXPECT_EQ(access, 0x34u);
 }
 
