@@ -23,6 +23,10 @@ FakeSystem::~FakeSystem() {
   EXPECT_EQ(com.live_objects, 0) << "a COM object leaked";
   EXPECT_TRUE(com.violations.empty()) << com.violations.front();
   EXPECT_FALSE(audio.render.over_released || audio.capture.over_released);
+  EXPECT_EQ(power.schemes_held(), 0u) << "a power scheme GUID was not freed";
+  EXPECT_EQ(power.bad_frees, 0);
+  EXPECT_EQ(intel_driver.control.references, 1u) << "the driver object leaked";
+  EXPECT_FALSE(intel_driver.control.over_released);
 }
 
 }  // namespace velhal::testing

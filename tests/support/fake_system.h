@@ -17,7 +17,9 @@
 #include "tests/fakes/fake_debug_output.h"
 #include "tests/fakes/fake_device_database.h"
 #include "tests/fakes/fake_device_io.h"
+#include "tests/fakes/fake_display.h"
 #include "tests/fakes/fake_firmware_table.h"
+#include "tests/fakes/fake_intel_driver.h"
 #include "tests/fakes/fake_module.h"
 #include "tests/fakes/fake_power.h"
 #include "tests/fakes/fake_service_control.h"
@@ -47,6 +49,8 @@ class FakeSystem {
   FakeTiming timing;
   FakeAudio audio;
   FakeCom com{FakeCom::Apartment::kMta};  // the host's apartment
+  FakeDisplay display;
+  FakeIntelDriver intel_driver;
 
  private:
   template <class Facility>
@@ -64,6 +68,8 @@ class FakeSystem {
   Guard<os::Timing> timing_guard_{timing};
   Guard<os::Audio> audio_guard_{audio};
   Guard<os::Com> com_guard_{com};
+  Guard<os::Display> display_guard_{display};
+  Guard<os::IntelDriver> intel_driver_guard_{intel_driver};
 };
 
 }  // namespace velhal::testing

@@ -1,0 +1,121 @@
+#include "tests/fakes/fake_display.h"
+
+#include <cwchar>
+
+#include "tests/fakes/fake_common.h"
+
+namespace velhal::testing {
+namespace {
+
+template <size_t N>
+void CopyText(wchar_t (&field)[N], const std::wstring& text) {
+  wcsncpy(field, text.c_str(), N - 1);
+  field[N - 1] = L'\0';
+}
+
+}  // namespace
+
+DEVMODEW FakeDisplay::Mode(DWORD width, DWORD height, DWORD bits, DWORD frequency) {
+  DEVMODEW mode{};
+  mode.dmSize = sizeof(mode);
+  mode.dmPelsWidth = width;
+  mode.dmPelsHeight = height;
+  mode.dmBitsPerPel = bits;
+  mode.dmDisplayFrequency = frequency;
+  return mode;
+}
+
+DISPLAYCONFIG_PATH_INFO FakeDisplay::Path(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY technology,
+                                          UINT32 numerator, UINT32 denominator) {
+  DISPLAYCONFIG_PATH_INFO path{};
+  path.targetInfo.outputTechnology = technology;
+  path.targetInfo.refreshRate = {numerator, denominator};
+  return path;
+}
+
+void FakeDisplay::OneScreen(const std::wstring& interface_name) {
+  adapters = {{L"\\\\.\\DISPLAY1",
+               DISPLAY_DEVICE_ACTIVE | DISPLAY_DEVICE_PRIMARY_DEVICE,
+               {{L"\\\\.\\DISPLAY1\\Monitor0", interface_name, L"MONITOR\\Default_Monitor"}}}};
+  desktop = {{L"\\\\.\\DISPLAY1", true}};
+}
+
+int FakeDisplay::GetSystemMetrics(int index) {
+  const auto found = metrics.find(index);
+  return found == metrics.end() ? 0 : found->second;
+}
+
+BOOL FakeDisplay::EnumDisplaySettingsW(const wchar_t* device, DWORD mode_number, DEVMODEW* out) {
+  mode_sizes_seen.push_back(out->dmSize);
+  if (device != nullptr || mode_number != ENUM_CURRENT_SETTINGS || !mode ||
+      out->dmSize != sizeof(DEVMODEW)) {
+    return FALSE;
+  }
+  *out = *mode;
+  return TRUE;
+}
+
+LONG FakeDisplay::GetDisplayConfigBufferSizes(UINT32 flags, UINT32* path_count, UINT32* modes) {
+  if (flags != QDC_ONLY_ACTIVE_PATHS) return ERROR_INVALID_PARAMETER;
+  if (buffer_sizes_result != ERROR_SUCCESS) return buffer_sizes_result;
+  *path_count = reported_paths.value_or(static_cast<UINT32>(paths.size()));
+  *modes = mode_count;
+  return ERROR_SUCCESS;
+}
+
+LONG FakeDisplay::QueryDisplayConfig(UINT32 flags, UINT32* path_count,
+                                     DISPLAYCONFIG_PATH_INFO* path_array, UINT32* modes,
+                                     DISPLAYCONFIG_MODE_INFO*,
+                                     DISPLAYCONFIG_TOPOLOGY_ID* topology) {
+  ++config_queries;
+  if (flags != QDC_ONLY_ACTIVE_PATHS || topology != nullptr) return ERROR_INVALID_PARAMETER;
+  if (query_result != ERROR_SUCCESS) return query_result;
+  if (*path_count < paths.size() || *modes < mode_count) return ERROR_INSUFFICIENT_BUFFER;
+  for (size_t i = 0; i < paths.size(); ++i) path_array[i] = paths[i];
+  *path_count = static_cast<UINT32>(paths.size());
+  *modes = mode_count;
+  return ERROR_SUCCESS;
+}
+
+BOOL FakeDisplay::EnumDisplayDevicesW(const wchar_t* device, DWORD index, DISPLAY_DEVICEW* info,
+                                      DWORD flags) {
+  if (info == nullptr || info->cb != sizeof(DISPLAY_DEVICEW)) return FALSE;
+  if (device == nullptr) {
+    if (index >= adapters.size()) return FALSE;
+    CopyText(info->DeviceName, adapters[index].name);
+    CopyText(info->DeviceString, L"Fake Adapter");
+    info->StateFlags = adapters[index].flags;
+    return TRUE;
+  }
+  for (const Adapter& adapter : adapters) {
+    if (adapter.name != device) continue;
+    if (index >= adapter.monitors.size()) return FALSE;
+    const MonitorDevice& monitor = adapter.monitors[index];
+    CopyText(info->DeviceName, monitor.name);
+    CopyText(info->DeviceString, L"Generic Monitor");
+    CopyText(info->DeviceID,
+             (flags & EDD_GET_DEVICE_INTERFACE_NAME) ? monitor.interface_name : monitor.plain_id);
+    info->StateFlags = monitor.flags;
+    return TRUE;
+  }
+  return FALSE;
+}
+
+BOOL FakeDisplay::EnumDisplayMonitors(HDC, const RECT*, MONITORENUMPROC callback, LPARAM data) {
+  for (size_t i = 0; i < desktop.size(); ++i) {
+    RECT area{0, 0, 1920, 1080};
+    if (!callback(reinterpret_cast<HMONITOR>(i + 1), nullptr, &area, data)) break;
+  }
+  return TRUE;
+}
+
+BOOL FakeDisplay::GetMonitorInfoW(HMONITOR monitor, MONITORINFO* info) {
+  const size_t index = reinterpret_cast<size_t>(monitor) - 1;
+  if (index >= desktop.size() || info == nullptr) return Fail(ERROR_INVALID_MONITOR_HANDLE);
+  info->dwFlags = desktop[index].primary ? MONITORINFOF_PRIMARY : 0;
+  if (info->cbSize == sizeof(MONITORINFOEXW))
+    CopyText(reinterpret_cast<MONITORINFOEXW*>(info)->szDevice, desktop[index].device);
+  return TRUE;
+}
+
+}  // namespace velhal::testing
