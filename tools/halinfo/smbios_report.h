@@ -17,13 +17,8 @@ namespace halinfo {
 
 struct SmbiosReport {
   uint32_t major = 0, minor = 0, dmi_revision = 0;
-  std::string bios_vendor, bios_version, bios_release_date, bios_system_version, bios_ec_version;
-  std::string system_manufacturer, system_product_name, system_version, system_serial_number,
-      system_uuid_hex, system_sku, system_family;
-  std::string board_manufacturer, board_product, board_version, board_serial_number,
-      board_asset_tag, board_location;
-  std::string chassis_manufacturer, chassis_version, chassis_serial_number, chassis_asset_tag,
-      chassis_sku;
+  std::array<std::string, velhal::smbios::kTextFieldCount> text;  // UTF-8, by Field
+  std::string system_uuid_hex;
   uint32_t chassis_type = 0;
   std::map<int, std::string> oem_strings;  // exactly the numbers the firmware stored
   uint32_t device_value = 0, brand = 0, consumer_type = 0;
@@ -38,6 +33,9 @@ struct SmbiosReport {
 
   void AddTo(nlohmann::ordered_json& document) const;
   std::string ToText() const;
+
+ private:
+  nlohmann::ordered_json Value(velhal::smbios::Field field) const;
 };
 
 std::string UuidHex(const std::array<uint8_t, 16>& bytes);
