@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <vector>
 
 #include "core/identity.h"
 #include "tools/halinfo/output.h"
@@ -60,49 +61,38 @@ SmbiosReport SmbiosReport::FromTable(uint32_t major, uint32_t minor, uint32_t dm
   return r;
 }
 
-nlohmann::ordered_json SmbiosReport::Value(Field field) const {
-  switch (field) {
-    case Field::kSystemUuid: return system_uuid_hex;
-    case Field::kChassisType: return chassis_type;
-    default: return text[static_cast<size_t>(field)];
+Node SmbiosReport::FieldNode(const velhal::smbios::FieldName& row) const {
+  switch (row.field) {
+    case Field::kSystemUuid: return Text(row.key, row.label, system_uuid_hex);
+    case Field::kChassisType: return Number(row.key, row.label, chassis_type);
+    default: return Text(row.key, row.label, text[static_cast<size_t>(row.field)]);
   }
 }
 
-void SmbiosReport::AddTo(nlohmann::ordered_json& document) const {
-  nlohmann::ordered_json smbios = {
-      {"version", {{"major", major}, {"minor", minor}, {"dmiRevision", dmi_revision}}}};
+Node SmbiosReport::ToNode() const {
+  std::vector<Node> members = {Object("version", "version",
+                                      {Number("major", "major", major),
+                                       Number("minor", "minor", minor),
+                                       Number("dmiRevision", "DMI revision", dmi_revision)})};
   for (const velhal::smbios::FieldName& row : velhal::smbios::kFieldNames) {
-    smbios[row.group->key][row.key] = Value(row.field);
+    if (members.back().key != row.group->key) {
+      members.push_back(Object(row.group->key, row.group->label, {}));
+    }
+    members.back().children.push_back(FieldNode(row));
   }
-  nlohmann::ordered_json oem = nlohmann::ordered_json::object();
-  for (const auto& [number, value] : oem_strings) oem[std::to_string(number)] = value;
-  smbios["oemStrings"] = std::move(oem);
-  smbios["identity"] = {{"deviceValue", device_value},
-                        {"brand", brand},
-                        {"consumerType", consumer_type},
-                        {"isTypeDetachablePC", detachable},
-                        {"isUnsupportWifiAndBT", unsupport_wifi_and_bt}};
-  document["smbios"] = std::move(smbios);
-}
-
-std::string SmbiosReport::ToText() const {
-  std::string out = "\nFirmware (SMBIOS " + std::to_string(major) + "." + std::to_string(minor) +
-                     ", DMI revision " + std::to_string(dmi_revision) + ")\n";
-  const velhal::smbios::Group* group = nullptr;
-  for (const velhal::smbios::FieldName& row : velhal::smbios::kFieldNames) {
-    if (row.group != group) out += std::string("  ") + (group = row.group)->label + "\n";
-    const nlohmann::ordered_json value = Value(row.field);
-    out += std::string("    ") + row.label + ": " +
-            (value.is_string() ? value.get<std::string>() : value.dump()) + "\n";
-  }
+  std::vector<Node> oem;
   for (const auto& [number, value] : oem_strings) {
-    out += "  OEM string " + std::to_string(number) + ": " + value + "\n";
+    oem.push_back(Text(std::to_string(number), "string " + std::to_string(number), value));
   }
-  out += "  Identity:   device value " + std::to_string(device_value) + ", brand " +
-          std::to_string(brand) + ", consumer type " + std::to_string(consumer_type) +
-          ", detachable " + (detachable ? "yes" : "no") + ", Wi-Fi/BT hidden " +
-          (unsupport_wifi_and_bt ? "yes" : "no") + "\n";
-  return out;
+  members.push_back(Object("oemStrings", "OEM strings", std::move(oem)));
+  members.push_back(Object("identity", "identity",
+                           {Number("deviceValue", "device value", device_value),
+                            Number("brand", "brand", brand),
+                            Number("consumerType", "consumer type", consumer_type),
+                            Flag("isTypeDetachablePC", "detachable", detachable),
+                            Flag("isUnsupportWifiAndBT", "Wi-Fi/BT hidden",
+                                 unsupport_wifi_and_bt)}));
+  return Object("smbios", "Firmware (SMBIOS)", std::move(members));
 }
 
 int ReportSmbiosFile(const std::string& path, bool json) {
@@ -119,16 +109,13 @@ int ReportSmbiosFile(const std::string& path, bool json) {
   }
   velhal::smbios::Fields fields;
   velhal::smbios::Walk(bytes.data() + saved->offset, saved->length, fields);
-  const SmbiosReport report =
-      SmbiosReport::FromTable(saved->major, saved->minor, saved->dmi_revision, fields);
+  const Node report =
+      SmbiosReport::FromTable(saved->major, saved->minor, saved->dmi_revision, fields).ToNode();
   if (json) {
-    nlohmann::ordered_json document = nlohmann::ordered_json::object();
-    report.AddTo(document);
-    Print(document.dump(2) + "\n");
+    Print(JsonDocument({report}));
   } else {
     Print(path + ": " + FormatName(saved->format) + ", " + std::to_string(saved->length) +
-          " bytes of structures\n");
-    Print(report.ToText());
+          " bytes of structures\n\n" + PlainText({report}));
   }
   return 0;
 }

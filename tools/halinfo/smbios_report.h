@@ -1,5 +1,5 @@
 // The firmware identity as halinfo reports it, from a saved table (offline, portable) or from
-// the running machine's SmBiosHelper. One JSON shape for both:
+// the running machine's SmBiosHelper (firmware_section.cpp). One node, so one JSON shape for both:
 // {"smbios": {"version", "bios", "system", "baseboard", "chassis", "oemStrings", "identity"}}.
 #pragma once
 
@@ -7,11 +7,9 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "core/smbios.h"
+#include "tools/halinfo/node.h"
 
 namespace halinfo {
 
@@ -27,15 +25,11 @@ struct SmbiosReport {
   // Offline: the identity rules run with an empty unsupported-SKU list (no file is read).
   static SmbiosReport FromTable(uint32_t major, uint32_t minor, uint32_t dmi_revision,
                                 const velhal::smbios::Fields& fields);
-#ifdef _WIN32
-  static SmbiosReport FromRunningMachine();
-#endif
 
-  void AddTo(nlohmann::ordered_json& document) const;
-  std::string ToText() const;
+  Node ToNode() const;
 
  private:
-  nlohmann::ordered_json Value(velhal::smbios::Field field) const;
+  Node FieldNode(const velhal::smbios::FieldName& row) const;
 };
 
 std::string UuidHex(const std::array<uint8_t, 16>& bytes);

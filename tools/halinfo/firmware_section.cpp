@@ -7,6 +7,7 @@
 
 #include "firmware/smbios_helper.h"
 #include "tools/halinfo/output.h"
+#include "tools/halinfo/sections.h"
 #include "tools/halinfo/smbios_report.h"
 
 namespace halinfo {
@@ -61,9 +62,7 @@ void ReadVersions(SmbiosReport& r) {
   }
 }
 
-}  // namespace
-
-SmbiosReport SmbiosReport::FromRunningMachine() {
+SmbiosReport FromRunningMachine() {
   const SmBiosHelper& h = *SmBiosHelper::GetInstance();
   SmbiosReport r;
   ReadVersions(r);
@@ -93,5 +92,9 @@ SmbiosReport SmbiosReport::FromRunningMachine() {
   r.unsupport_wifi_and_bt = h.IsUnsupportWifiAndBT();
   return r;
 }
+
+}  // namespace
+
+Node FirmwareSection() { return FromRunningMachine().ToNode(); }
 
 }  // namespace halinfo
