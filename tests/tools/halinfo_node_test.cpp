@@ -9,22 +9,18 @@ namespace halinfo {
 namespace {
 
 TEST(HalinfoNodeTest, BothRenderersPrintOneTree) {
-  const Node disks = Object(
-      "disks", "Disks",
-      {Number("systemDisk", "", 0),  // JSON only: the heading says it
-       Array("items", "",
-             {Object("", "Disk 0",
-                     {Text("model", "model", ""), Number("sizeMiB", "size", uint64_t{512}, "MiB"),
-                      Number("freeMiB", "free", std::optional<uint64_t>(), "MiB"),
-                      Number("wearPercent", "wear", 12.5f, "%"), Flag("ssd", "SSD", true),
-                      Flag("trim", "TRIM", std::nullopt)})}),
-       Object("volumes", "volumes", {})});
-  const Node devices = Array("devices", "Devices", {});
+  const Node disk = Object("", "Disk 0",
+                           {Text("model", "model", ""), Number("sizeMiB", "size", 512u, "MiB"),
+                            Number("freeMiB", "free", std::optional<uint64_t>(), "MiB"),
+                            Number("wearPercent", "wear", 12.5f, "%"), Flag("ssd", "SSD", true)});
+  const std::vector<Node> sections = {
+      Object("disks", "Disks", {Number("count", "", 1), Array("items", "", {disk})}),
+      Array("usb", "USB", {})};
 
-  EXPECT_EQ(nlohmann::ordered_json::parse(JsonDocument({disks, devices})).dump(),
-            R"({"disks":{"systemDisk":0,"items":[{"model":"","sizeMiB":512,"freeMiB":null,)"
-            R"("wearPercent":12.5,"ssd":true,"trim":null}],"volumes":{}},"devices":[]})");
-  EXPECT_EQ(PlainText({disks, devices}),
+  EXPECT_EQ(nlohmann::ordered_json::parse(JsonDocument(sections)).dump(),
+            R"({"disks":{"count":1,"items":[{"model":"","sizeMiB":512,"freeMiB":null,)"
+            R"("wearPercent":12.5,"ssd":true}]},"usb":[]})");
+  EXPECT_EQ(PlainText(sections),
             "Disks\n"
             "  Disk 0\n"
             "    model                 ?\n"
@@ -32,10 +28,8 @@ TEST(HalinfoNodeTest, BothRenderersPrintOneTree) {
             "    free                  ?\n"
             "    wear                  12.50 %\n"
             "    SSD                   yes\n"
-            "    TRIM                  ?\n"
-            "  volumes                 none\n"
             "\n"
-            "Devices                   none\n");
+            "USB                       none\n");
 }
 
 }  // namespace

@@ -15,7 +15,6 @@
 namespace {
 
 using namespace velhal::testing;
-using velhal::smbios::Field;
 
 // A scratch folder standing for the library's own: config\product_adapter\ lives below it.
 class FirmwareTest : public ::testing::Test {
@@ -67,7 +66,7 @@ TEST_F(FirmwareTest, TheFirmwareTableIsReadWithItsVersions) {
   const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 3u);
   EXPECT_EQ(snapshot.minor, 4u);
-  EXPECT_EQ(snapshot.fields[Field::kSystemManufacturer], "Example Computers Ltd.");
+  EXPECT_EQ(snapshot.fields[velhal::smbios::Field::kSystemManufacturer], "Example Computers Ltd.");
   EXPECT_EQ(snapshot.fields.oem_strings.at(1), "ABCDEFGHI3x");
   EXPECT_EQ(debug_.messages,
             std::vector<std::wstring>{L"biosType11 stringCount 5(SmBiosHelper::ProcOemString)\n"});
@@ -80,7 +79,7 @@ TEST_F(FirmwareTest, ASizeMismatchFillsNothingAndTriesNoWmi) {
   FakeFirmwareTable::short_by = 1;
   const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);
-  EXPECT_EQ(snapshot.fields[Field::kSystemManufacturer], "");
+  EXPECT_EQ(snapshot.fields[velhal::smbios::Field::kSystemManufacturer], "");
   EXPECT_EQ(debug_.messages,
             std::vector<std::wstring>{L"getSystemFirmwareTable error(SmBiosHelper::Init)\n"});
   EXPECT_TRUE(wmi_.calls.empty());
@@ -93,7 +92,7 @@ TEST_F(FirmwareTest, WithoutTheFunctionWmiServesTheBareStructures) {
               {FakeValue::Bytes(structures)});
   velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);  // no header on this path
-  EXPECT_EQ(snapshot.fields[Field::kChassisManufacturer], "Chassis Maker");
+  EXPECT_EQ(snapshot.fields[velhal::smbios::Field::kChassisManufacturer], "Chassis Maker");
   EXPECT_EQ(snapshot.fields.chassis_type, 0x20);
 
   wmi_.Script(L"ROOT\\WMI", L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables", L"SMBiosData",
