@@ -6,10 +6,12 @@
 
 #include <guiddef.h>
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <string>
 
+#include "core/smbios_fields.h"
 #include "hal/velhal_export.h"
 
 enum BrandType : uint32_t {
@@ -86,22 +88,15 @@ class VELHAL_API SmBiosHelper {
 
  private:
   SmBiosHelper();
+  std::wstring Text(velhal::smbios::Field field) const;
   std::wstring Oem(int number) const;
 
   uint32_t major_version_;
   uint32_t minor_version_;
   uint32_t dmi_revision_;
-  std::wstring bios_vendor_, bios_version_, bios_release_date_, bios_system_version_,
-      bios_ec_version_;
-  std::wstring system_manufacturer_, system_product_name_, system_version_,
-      system_serial_number_;
+  std::array<std::wstring, velhal::smbios::kTextFieldCount> text_;  // by Field
   GUID system_uuid_;
-  std::wstring system_sku_, system_family_;
-  std::wstring board_manufacturer_, board_product_, board_version_, board_serial_number_,
-      board_asset_tag_, board_location_;
-  std::wstring chassis_manufacturer_;
   unsigned char chassis_type_;
-  std::wstring chassis_version_, chassis_serial_number_, chassis_asset_tag_, chassis_sku_;
   std::map<int, std::wstring> oem_strings_;
 };
 
