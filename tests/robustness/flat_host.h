@@ -111,18 +111,17 @@ inline std::vector<Probe> ReadProbes(const FlatApi& api) {
       return answer(ok, buffer, info < 5 ? returned : 4);
     });
   }
-  for (uint32_t info : {HAL_MEMORY_INFO_COUNT, HAL_MEMORY_INFO_LOCATOR,
-                        HAL_MEMORY_INFO_CAPACITY}) {
+  for (uint32_t info : {HAL_MEMORY_INFO_COUNT, HAL_MEMORY_INFO_LOCATOR, HAL_MEMORY_INFO_CAPACITY}) {
     add("memory " + std::to_string(info), false, [&api, answer, info] {
       uint8_t buffer[260] = {};
       uint32_t returned = 0;
       HalDeviceEntry entry{nullptr, 0, 0};
-      return answer(api.MmQueryInformation(&entry, info, buffer, sizeof(buffer), &returned),
-                    buffer, returned);
+      return answer(api.MmQueryInformation(&entry, info, buffer, sizeof(buffer), &returned), buffer,
+                    returned);
     });
   }
-  for (uint32_t info : {HAL_BATTERY_INFO_PRESENT, HAL_BATTERY_INFO_AC_LINE_STATUS,
-                        HAL_BATTERY_INFO_DEVICE_NAME}) {
+  for (uint32_t info :
+       {HAL_BATTERY_INFO_PRESENT, HAL_BATTERY_INFO_AC_LINE_STATUS, HAL_BATTERY_INFO_DEVICE_NAME}) {
     add("battery " + std::to_string(info), false, [&api, answer, info] {
       uint8_t buffer[260] = {};
       uint32_t returned = 0;
@@ -136,14 +135,13 @@ inline std::vector<Probe> ReadProbes(const FlatApi& api) {
       uint8_t buffer[520] = {};
       uint32_t returned = 0;
       HalDeviceEntry entry{nullptr, 0, 0};
-      return answer(api.HalQueryInformation(HAL_CLASS_DISK, &entry, info, buffer, sizeof(buffer),
-                                            &returned),
-                    buffer, returned);
+      return answer(
+          api.HalQueryInformation(HAL_CLASS_DISK, &entry, info, buffer, sizeof(buffer), &returned),
+          buffer, returned);
     });
   }
-  add("detachable", false, [&api] {
-    return std::vector<uint8_t>{static_cast<uint8_t>(api.IsTypeDetachablePC())};
-  });
+  add("detachable", false,
+      [&api] { return std::vector<uint8_t>{static_cast<uint8_t>(api.IsTypeDetachablePC())}; });
   return probes;
 }
 
