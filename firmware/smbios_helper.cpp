@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/identity.h"
+#include "core/smbios_fields.h"
 #include "firmware/smbios_reader.h"
 #include "platform/boundary.h"
 #include "platform/lazy_instance.h"
@@ -31,6 +32,7 @@ SmBiosHelper::SmBiosHelper()
     major_version_ = snapshot.major;
     minor_version_ = snapshot.minor;
     dmi_revision_ = snapshot.dmi_revision;
+    text_.resize(f.text.size());
     for (size_t i = 0; i < text_.size(); ++i) text_[i] = AnsiToWide(f.text[i]);
     std::memcpy(&system_uuid_, f.system_uuid.data(), sizeof(system_uuid_));
     chassis_type_ = f.chassis_type;
@@ -69,9 +71,14 @@ SmBiosHelper* SmBiosHelper::GetInstance() {
   });
 }
 
-std::wstring SmBiosHelper::Text(velhal::smbios::Field field) const {
-  return text_[static_cast<size_t>(field)];
+namespace {
+
+std::wstring Text(const std::vector<std::wstring>& text, velhal::smbios::Field field) {
+  const auto index = static_cast<size_t>(field);
+  return index < text.size() ? text[index] : std::wstring();
 }
+
+}  // namespace
 
 // A lookup that finds nothing answers empty and inserts nothing, so readers never race.
 std::wstring SmBiosHelper::Oem(int number) const {
@@ -79,30 +86,30 @@ std::wstring SmBiosHelper::Oem(int number) const {
   return found == oem_strings_.end() ? std::wstring() : found->second;
 }
 
-std::wstring SmBiosHelper::GetBIOSVendor() const { return Text(kBiosVendor); }
-std::wstring SmBiosHelper::GetBIOSVersion() const { return Text(kBiosVersion); }
-std::wstring SmBiosHelper::GetBIOSReleaseDate() const { return Text(kBiosReleaseDate); }
-std::wstring SmBiosHelper::GetBIOSSysVersion() const { return Text(kBiosSystemVersion); }
-std::wstring SmBiosHelper::GetBIOSECVersion() const { return Text(kBiosEcVersion); }
-std::wstring SmBiosHelper::GetSysManufactor() const { return Text(kSystemManufacturer); }
-std::wstring SmBiosHelper::GetSysProductName() const { return Text(kSystemProductName); }
-std::wstring SmBiosHelper::GetSysVersion() const { return Text(kSystemVersion); }
-std::wstring SmBiosHelper::GetSysSerialNumber() const { return Text(kSystemSerialNumber); }
+std::wstring SmBiosHelper::GetBIOSVendor() const { return Text(text_, kBiosVendor); }
+std::wstring SmBiosHelper::GetBIOSVersion() const { return Text(text_, kBiosVersion); }
+std::wstring SmBiosHelper::GetBIOSReleaseDate() const { return Text(text_, kBiosReleaseDate); }
+std::wstring SmBiosHelper::GetBIOSSysVersion() const { return Text(text_, kBiosSystemVersion); }
+std::wstring SmBiosHelper::GetBIOSECVersion() const { return Text(text_, kBiosEcVersion); }
+std::wstring SmBiosHelper::GetSysManufactor() const { return Text(text_, kSystemManufacturer); }
+std::wstring SmBiosHelper::GetSysProductName() const { return Text(text_, kSystemProductName); }
+std::wstring SmBiosHelper::GetSysVersion() const { return Text(text_, kSystemVersion); }
+std::wstring SmBiosHelper::GetSysSerialNumber() const { return Text(text_, kSystemSerialNumber); }
 GUID SmBiosHelper::GetSysUUID() const { return system_uuid_; }
-std::wstring SmBiosHelper::GetSysSKU() const { return Text(kSystemSku); }
-std::wstring SmBiosHelper::GetSysFamily() const { return Text(kSystemFamily); }
-std::wstring SmBiosHelper::GetBoardManufactor() const { return Text(kBoardManufacturer); }
-std::wstring SmBiosHelper::GetBoardProductName() const { return Text(kBoardProduct); }
-std::wstring SmBiosHelper::GetBoardVersion() const { return Text(kBoardVersion); }
-std::wstring SmBiosHelper::GetBoardSerialNumber() const { return Text(kBoardSerialNumber); }
-std::wstring SmBiosHelper::GetBoardAssetTag() const { return Text(kBoardAssetTag); }
-std::wstring SmBiosHelper::GetBoardLocation() const { return Text(kBoardLocation); }
-std::wstring SmBiosHelper::GetSecManufactor() const { return Text(kChassisManufacturer); }
+std::wstring SmBiosHelper::GetSysSKU() const { return Text(text_, kSystemSku); }
+std::wstring SmBiosHelper::GetSysFamily() const { return Text(text_, kSystemFamily); }
+std::wstring SmBiosHelper::GetBoardManufactor() const { return Text(text_, kBoardManufacturer); }
+std::wstring SmBiosHelper::GetBoardProductName() const { return Text(text_, kBoardProduct); }
+std::wstring SmBiosHelper::GetBoardVersion() const { return Text(text_, kBoardVersion); }
+std::wstring SmBiosHelper::GetBoardSerialNumber() const { return Text(text_, kBoardSerialNumber); }
+std::wstring SmBiosHelper::GetBoardAssetTag() const { return Text(text_, kBoardAssetTag); }
+std::wstring SmBiosHelper::GetBoardLocation() const { return Text(text_, kBoardLocation); }
+std::wstring SmBiosHelper::GetSecManufactor() const { return Text(text_, kChassisManufacturer); }
 unsigned char SmBiosHelper::GetSecType() const { return chassis_type_; }
-std::wstring SmBiosHelper::GetSecVersion() const { return Text(kChassisVersion); }
-std::wstring SmBiosHelper::GetSecSerialNumber() const { return Text(kChassisSerialNumber); }
-std::wstring SmBiosHelper::GetSecAssetTagNumber() const { return Text(kChassisAssetTag); }
-std::wstring SmBiosHelper::GetSecSKU() const { return Text(kChassisSku); }
+std::wstring SmBiosHelper::GetSecVersion() const { return Text(text_, kChassisVersion); }
+std::wstring SmBiosHelper::GetSecSerialNumber() const { return Text(text_, kChassisSerialNumber); }
+std::wstring SmBiosHelper::GetSecAssetTagNumber() const { return Text(text_, kChassisAssetTag); }
+std::wstring SmBiosHelper::GetSecSKU() const { return Text(text_, kChassisSku); }
 std::string SmBiosHelper::GetSecSkuA() const { return WideToAnsi(GetSecSKU()); }
 std::wstring SmBiosHelper::GetOemString1() const { return Oem(1); }
 std::wstring SmBiosHelper::GetOemString2() const { return Oem(2); }

@@ -6,12 +6,11 @@
 
 #include <guiddef.h>
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
-#include "core/smbios_fields.h"
 #include "hal/velhal_export.h"
 
 enum BrandType : uint32_t {
@@ -88,13 +87,12 @@ class VELHAL_API SmBiosHelper {
 
  private:
   SmBiosHelper();
-  std::wstring Text(velhal::smbios::Field field) const;
   std::wstring Oem(int number) const;
 
   uint32_t major_version_;
   uint32_t minor_version_;
   uint32_t dmi_revision_;
-  std::array<std::wstring, velhal::smbios::kTextFieldCount> text_;  // by Field
+  std::vector<std::wstring> text_;  // by velhal::smbios::Field (core/smbios_fields.h)
   GUID system_uuid_;
   unsigned char chassis_type_;
   std::map<int, std::wstring> oem_strings_;
