@@ -215,15 +215,17 @@ uint32_t Init() {
     g_driver.control->Release();
     g_driver.control = nullptr;
   }
-  // The object outlives this call, so the apartment joined for it is kept as long.
+  // A thread already in the multithreaded apartment is left as it was. One without COM, which
+  // the flat interface's contract excludes, keeps the apartment joined here for as long as the
+  // object lives: releasing it would leave the object without an apartment.
   const HRESULT joined = os::com().CoInitializeEx(nullptr, COINIT_MULTITHREADED);
   ICUIExternal8* control = nullptr;
-  if (FAILED(os::intel_driver().CreateControl(&control)) || control == nullptr) {
-    if (SUCCEEDED(joined)) os::com().CoUninitialize();
-    return 0;
-  }
+  const HRESULT created = os::intel_driver().CreateControl(&control);
+  const bool keep_apartment = joined == S_OK && SUCCEEDED(created) && control != nullptr;
+  if (SUCCEEDED(joined) && !keep_apartment) os::com().CoUninitialize();
+  if (FAILED(created) || control == nullptr) return 0;
   g_driver.control = control;
-  g_driver.com_initialised = g_driver.com_initialised || SUCCEEDED(joined);
+  g_driver.com_initialised = g_driver.com_initialised || keep_apartment;
   g_driver.ready = true;
   return 1;
 }

@@ -223,6 +223,8 @@ TEST_F(IntelDisplayTest, IntelFirstHoldsOneDriverObjectAndMakesNoBlock) {
   EXPECT_EQ(os_.intel_driver.control.references, 2u);  // the test's and the library's
   EXPECT_EQ(os_.module.loads, 0);                      // no AMD library looked for
   EXPECT_GE(os_.com.initialize_calls, 1);
+  // The host's multithreaded apartment is left as it was found.
+  EXPECT_EQ(os_.com.uninitialize_calls, os_.com.initialize_calls);
 }
 
 TEST(IntelDisplayInitTest, AFailedCreationIsRetriedNextTime) {
