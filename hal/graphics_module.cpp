@@ -14,6 +14,7 @@
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
 #include "platform/os/display.h"
+#include "platform/os/system_info.h"
 #include "platform/string_conversion.h"
 #include "platform/wmi_engine.h"
 #include "platform/wmi_namespaces.h"
@@ -31,6 +32,28 @@ constexpr size_t kNameUnits = sizeof(GpAdapterEntry::name) / sizeof(uint16_t);  
 constexpr uint64_t kMaxAdapters = 7'780'736;
 constexpr UINT32 kMaxDisplayConfigEntries = 61'440;
 static_assert(sizeof(DEVMODEW) == 220, "EnumDisplaySettingsW is given dmSize 220");
+
+// Whether [start, start + size) lies in committed, readable memory. The block comes back from
+// the caller: a header that claims more records than were allocated is refused, not read into
+// a fault.
+bool Readable(const void* start, uint64_t size) {
+  constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READ |
+                              PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+  uintptr_t at = reinterpret_cast<uintptr_t>(start);
+  if (size > UINTPTR_MAX - at) return false;
+  const uintptr_t end = at + static_cast<uintptr_t>(size);
+  while (at < end) {
+    MEMORY_BASIC_INFORMATION region{};
+    if (os::system_info().VirtualQuery(reinterpret_cast<const void*>(at), &region,
+                                       sizeof(region)) != sizeof(region) ||
+        region.State != MEM_COMMIT || (region.Protect & (PAGE_GUARD | PAGE_NOACCESS)) != 0 ||
+        (region.Protect & kReadable) == 0) {
+      return false;
+    }
+    at = reinterpret_cast<uintptr_t>(region.BaseAddress) + region.RegionSize;
+  }
+  return true;
+}
 
 GpAdapterEntry* RecordAt(GpAdapterList* block, uint64_t index) {
   return reinterpret_cast<GpAdapterEntry*>(reinterpret_cast<unsigned char*>(block) + kHeaderSize +
@@ -286,8 +309,9 @@ const ClassModule& GraphicsModule() {
 }
 
 std::optional<std::span<const GpAdapterEntry>> AdapterRecords(const GpAdapterList* block) {
-  if (block == nullptr ||
-      uint64_t{block->totalSize} != kHeaderSize + kRecordSize * uint64_t{block->count}) {
+  if (block == nullptr || !Readable(block, kHeaderSize) ||
+      uint64_t{block->totalSize} != kHeaderSize + kRecordSize * uint64_t{block->count} ||
+      !Readable(block, block->totalSize)) {
     return std::nullopt;
   }
   const auto* first = reinterpret_cast<const GpAdapterEntry*>(

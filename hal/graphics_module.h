@@ -18,7 +18,8 @@ inline constexpr wchar_t kMonitorPnpIdQuery[] =
     L"SELECT PNPDeviceID FROM Win32_DesktopMonitor WHERE PNPDeviceID IS NOT NULL";
 
 // The records of a block as a caller hands it back; nullopt when its size field is not
-// 8 + 552 x count, so that a damaged block is never read past its end.
+// 8 + 552 x count, or the memory it claims is not committed and readable, so that a damaged
+// block is a failed query rather than a fault.
 std::optional<std::span<const GpAdapterEntry>> AdapterRecords(const GpAdapterList* block);
 
 // A record's name; nullopt when the field holds no NUL within its 260 characters.

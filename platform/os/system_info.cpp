@@ -12,6 +12,9 @@ class RealSystemInfo final : public SystemInfo {
     return ::GlobalMemoryStatusEx(status);
   }
   void Cpuid(int registers[4], int leaf) override { __cpuid(registers, leaf); }
+  SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* region, SIZE_T size) override {
+    return ::VirtualQuery(address, region, size);
+  }
 };
 
 }  // namespace

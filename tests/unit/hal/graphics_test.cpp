@@ -265,6 +265,20 @@ TEST_F(GraphicsTest, DamagedBlocksAndArgumentsAreRefused) {
   block->count = 0x80000000;  // a size that would wrap in 32 bits
   EXPECT_EQ(GpNumber(block.get(), HAL_GRAPHICS_INFO_COUNT), std::nullopt);
 
+  // A header at the end of the committed memory, claiming a record that is not there.
+  const size_t page = 4096;
+  auto* memory =
+      static_cast<uint8_t*>(::VirtualAlloc(nullptr, 2 * page, MEM_RESERVE, PAGE_NOACCESS));
+  ASSERT_NE(::VirtualAlloc(memory, page, MEM_COMMIT, PAGE_READWRITE), nullptr);
+  auto* edge = reinterpret_cast<GpAdapterList*>(memory + page - 8);
+  edge->totalSize = 8 + 552;
+  edge->count = 1;
+  EXPECT_EQ(GpNumber(edge, HAL_GRAPHICS_INFO_COUNT), std::nullopt);
+  edge->totalSize = 8;
+  edge->count = 0;
+  EXPECT_EQ(GpNumber(edge, HAL_GRAPHICS_INFO_COUNT), 0u);
+  ::VirtualFree(memory, 0, MEM_RELEASE);
+
   auto empty = MakeGpBlock(0);
   uint32_t value = 0, returned = 0;
   EXPECT_EQ(GpQueryInforamtion(nullptr, HAL_GRAPHICS_INFO_SCREEN_WIDTH, &value, 4, &returned), 0u);
