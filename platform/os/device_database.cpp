@@ -61,6 +61,23 @@ class RealDeviceDatabase final : public DeviceDatabase {
                                  HMACHINE machine) override {
     return ::CM_Get_Device_ID_ExW(device, buffer, length, flags, machine);
   }
+  BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids, DWORD guids_size,
+                                    DWORD* required_size, const wchar_t* machine,
+                                    void* reserved) override {
+    return ::SetupDiClassGuidsFromNameExW(class_name, guids, guids_size, required_size, machine,
+                                          reserved);
+  }
+  HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
+                                  DWORD flags, HDEVINFO set, const wchar_t* machine,
+                                  void* reserved) override {
+    return ::SetupDiGetClassDevsExW(class_guid, enumerator, parent, flags, set, machine, reserved);
+  }
+  BOOL SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD property,
+                                         DWORD* type, BYTE* buffer, DWORD buffer_size,
+                                         DWORD* required_size) override {
+    return ::SetupDiGetDeviceRegistryPropertyW(set, device, property, type, buffer, buffer_size,
+                                               required_size);
+  }
 };
 
 }  // namespace

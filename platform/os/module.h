@@ -6,6 +6,7 @@
 
 #include "platform/win32.h"
 #include "platform/os/seam.h"
+#include "platform/unique_resource.h"
 
 namespace velhal::os {
 
@@ -27,3 +28,15 @@ class Module {
 inline Module& module() noexcept { return Seam<Module>::Get(); }
 
 }  // namespace velhal::os
+
+namespace velhal {
+
+struct ModuleTraits {
+  using Handle = HMODULE;
+  static HMODULE Invalid() noexcept { return nullptr; }
+  static bool IsValid(HMODULE module) noexcept { return module != nullptr; }
+  static void Close(HMODULE module) noexcept { os::module().FreeLibrary(module); }
+};
+using UniqueModule = UniqueResource<ModuleTraits>;
+
+}  // namespace velhal

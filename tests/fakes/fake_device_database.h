@@ -58,6 +58,9 @@ class FakeDeviceDatabase final : public os::DeviceDatabase {
   std::vector<SP_REMOVEDEVICE_PARAMS> install_params;
   bool fail_list_detail = false;
   bool fail_device_id = false;
+  // Setup-class names SetupDiClassGuidsFromNameExW knows (any case), and the names it was asked.
+  std::map<std::wstring, GUID> class_names;
+  std::vector<std::wstring> class_names_asked;
 
   HDEVINFO SetupDiGetClassDevsW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
                                 DWORD flags) override;
@@ -86,6 +89,16 @@ class FakeDeviceDatabase final : public os::DeviceDatabase {
                                   ULONG flags) override;
   CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
                                  HMACHINE machine) override;
+  BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids, DWORD guids_size,
+                                    DWORD* required_size, const wchar_t* machine,
+                                    void* reserved) override;
+  HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
+                                  DWORD flags, HDEVINFO set, const wchar_t* machine,
+                                  void* reserved) override;
+  // SPDRP_HARDWAREID only, served from the device's hardware-ID property as REG_MULTI_SZ.
+  BOOL SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD property,
+                                         DWORD* type, BYTE* buffer, DWORD buffer_size,
+                                         DWORD* required_size) override;
 
  private:
   // A set is the list of device indexes it holds; its handle is a token into sets_.

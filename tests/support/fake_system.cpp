@@ -23,6 +23,7 @@ FakeSystem::~FakeSystem() {
   EXPECT_EQ(com.live_objects, 0) << "a COM object leaked";
   EXPECT_TRUE(com.violations.empty()) << com.violations.front();
   EXPECT_FALSE(audio.render.over_released || audio.capture.over_released);
+  EXPECT_TRUE(console.other_streams.empty()) << "printed to a stream other than stdout";
 }
 
 }  // namespace velhal::testing

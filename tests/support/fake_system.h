@@ -14,6 +14,7 @@
 #include "platform/os/seam.h"
 #include "tests/fakes/fake_audio.h"
 #include "tests/fakes/fake_com.h"
+#include "tests/fakes/fake_console_output.h"
 #include "tests/fakes/fake_debug_output.h"
 #include "tests/fakes/fake_device_database.h"
 #include "tests/fakes/fake_device_io.h"
@@ -47,6 +48,7 @@ class FakeSystem {
   FakeTiming timing;
   FakeAudio audio;
   FakeCom com{FakeCom::Apartment::kMta};  // the host's apartment
+  FakeConsoleOutput console;
 
  private:
   template <class Facility>
@@ -64,6 +66,7 @@ class FakeSystem {
   Guard<os::Timing> timing_guard_{timing};
   Guard<os::Audio> audio_guard_{audio};
   Guard<os::Com> com_guard_{com};
+  Guard<os::ConsoleOutput> console_guard_{console};
 };
 
 }  // namespace velhal::testing
