@@ -31,6 +31,8 @@ constexpr Section kSections[] = {
     {DisksSection},
     {BatterySection},
     {FirmwareSection},
+    {SensorsSection},
+    {TouchScreenSection},
     {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
 };
 

@@ -15,6 +15,8 @@ Node MemorySection();
 Node DisksSection();
 Node BatterySection();
 Node FirmwareSection();
+Node SensorsSection();
+Node TouchScreenSection();
 Node DevicesSection();
 
 // A reading of 0 means "not reported" for the library's numeric getters.
