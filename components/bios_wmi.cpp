@@ -47,15 +47,15 @@ int BiosWmi::GetSensorTemperature(int& celsius, QuerySensorTemperatureIndex inde
 }
 
 int BiosWmi::GetVoltageOrCurrent(int& value, VoltageCurrentLocateNumber locate) {
-  const uint32_t kind = locate & 0xF0;
   if (locate > 0x3F) return ERROR_INVALID_PARAMETER;
+  // USB ports (0x0n, 0x1n) have no standard source; batteries (0x2n, 0x3n) have their driver.
+  const auto standard = [&] {
+    if (locate < VoltageLocateBattery0) return velhal::NotSupported();
+    return velhal::sensors::BatteryVoltageOrCurrent(locate & 0x0F, locate >= CurrentLocateBattery0,
+                                                    value);
+  };
   return velhal::Answer([&](auto& maker) { return maker.GetVoltageOrCurrent(value, locate); },
-                        [&] {
-                          // USB ports have no standard source; batteries have their driver.
-                          if (kind < VoltageLocateBattery0) return velhal::NotSupported();
-                          return velhal::sensors::BatteryVoltageOrCurrent(
-                              locate & 0x0F, kind == CurrentLocateBattery0, value);
-                        });
+                        standard);
 }
 
 int BiosWmi::GetDeviceBiosSwitchStatus(DeviceBiosSwitchNumber number, bool& status) {

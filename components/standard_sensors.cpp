@@ -48,8 +48,10 @@ std::vector<std::optional<LONG>> ReadInstances(GetFormattedCounterArrayFn read,
                                                PDH_HCOUNTER counter) {
   DWORD size = 0;
   DWORD count = 0;
-  if (read(counter, PDH_FMT_LONG, &size, &count, nullptr) != static_cast<PDH_STATUS>(PDH_MORE_DATA))
+  if (read(counter, PDH_FMT_LONG, &size, &count, nullptr) !=
+      static_cast<PDH_STATUS>(PDH_MORE_DATA)) {
     return {};
+  }
   // Whole items, so that the array is aligned; the instance names follow it in the buffer.
   std::vector<PDH_FMT_COUNTERVALUE_ITEM_W> items(size / sizeof(PDH_FMT_COUNTERVALUE_ITEM_W) + 1);
   size = static_cast<DWORD>(items.size() * sizeof(PDH_FMT_COUNTERVALUE_ITEM_W));

@@ -4,6 +4,7 @@
 
 #include <wbemcli.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <iterator>
@@ -35,8 +36,8 @@ constexpr LONG kForwardOnlyShallow = 0x21;    // WBEM_FLAG_FORWARD_ONLY | WBEM_F
 static_assert(kForwardOnlyShallow ==
               (static_cast<LONG>(WBEM_FLAG_FORWARD_ONLY) | static_cast<LONG>(WBEM_FLAG_SHALLOW)));
 
-// Failures go to standard output in these words; tools that drive the switches read them.
-// "%ls", not "%s": the same text under both the Microsoft and the C99 reading of a wide format.
+// Failures are reported on standard output in these exact words; callers rely on them. "%ls",
+// not "%s": the same text under both the Microsoft and the C99 reading of a wide format.
 void Report(const wchar_t* format, ...) {
   va_list args;
   va_start(args, format);
@@ -52,7 +53,7 @@ std::wstring Hex(HRESULT hr) {
   return text;
 }
 
-// A name for a COM call; null (reported) when memory runs out.
+// Whether a name for a COM call was allocated; running out of memory is reported here.
 bool Allocated(const Bstr& name) {
   if (name.get() != nullptr) return true;
   Report(L"Out of memory.\n");
@@ -199,8 +200,9 @@ int TouchScreenControlImp::Open() {
   return velhal::CallGuarded(0, [&] {
     // S_OK or S_FALSE: one CoUninitialize owed. RPC_E_CHANGED_MODE: the caller's apartment
     // serves, and is not ours to undo.
-    if (!com_initialised_)
+    if (!com_initialised_) {
       com_initialised_ = SUCCEEDED(os::com().CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+    }
     ComPtr<IWbemServices> services = Connect();
     if (!services) {
       WriteDiagnostic("Could not connect name.", kOpen);
@@ -222,8 +224,8 @@ int TouchScreenControlImp::Open() {
 int TouchScreenControlImp::SetApplicationInstall(int value) {
   return velhal::CallGuarded(0, [&] {
     if (services_ == nullptr || instance_ == nullptr) return 0;
-    // The name's length counts its terminating NUL (19 units for 18 characters), as the
-    // provider has always been handed it; callers rely on it.
+    // The name's length counts its terminating NUL (19 units for 18 characters); callers rely
+    // on it.
     const Bstr name(kProperty, static_cast<UINT>(std::size(kProperty)));
     if (name.get() == nullptr) {
       Report(L"Error out of memory.\n");
