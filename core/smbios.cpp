@@ -10,6 +10,8 @@
 namespace velhal::smbios {
 namespace {
 
+using enum Field;
+
 constexpr uint8_t kBiosInformation = 0;
 constexpr uint8_t kSystemInformation = 1;
 constexpr uint8_t kBaseboardInformation = 2;
@@ -69,48 +71,48 @@ std::string FormatVersion(std::optional<uint8_t> major, std::optional<uint8_t> m
 }
 
 void ParseBios(const Record& r, Fields& f) {
-  f.bios_vendor = r.String(0x04);
-  f.bios_version = r.String(0x05);
-  f.bios_release_date = r.String(0x08);
+  f[kBiosVendor] = r.String(0x04);
+  f[kBiosVersion] = r.String(0x05);
+  f[kBiosReleaseDate] = r.String(0x08);
   // Greater than 0x14, not at least 0x18: a 21-byte record still has 0x14-0x17 read.
   if (r.length() > 0x14) {
-    f.bios_system_version = FormatVersion(r.Byte(0x14), r.Byte(0x15), true);
-    f.bios_ec_version = FormatVersion(r.Byte(0x16), r.Byte(0x17), false);
+    f[kBiosSystemVersion] = FormatVersion(r.Byte(0x14), r.Byte(0x15), true);
+    f[kBiosEcVersion] = FormatVersion(r.Byte(0x16), r.Byte(0x17), false);
   }
 }
 
 void ParseSystem(const Record& r, Fields& f) {
-  f.system_manufacturer = r.String(0x04);
-  f.system_product_name = r.String(0x05);
-  f.system_version = r.String(0x06);
-  f.system_serial_number = r.String(0x07);
+  f[kSystemManufacturer] = r.String(0x04);
+  f[kSystemProductName] = r.String(0x05);
+  f[kSystemVersion] = r.String(0x06);
+  f[kSystemSerialNumber] = r.String(0x07);
   if (r.length() > 8 && r.Byte(0x08 + 15)) {
     for (size_t i = 0; i < 16; ++i) f.system_uuid[i] = *r.Byte(0x08 + i);
   }
   if (r.length() > 0x19) {
-    f.system_sku = r.String(0x19);
-    f.system_family = r.String(0x1A);
+    f[kSystemSku] = r.String(0x19);
+    f[kSystemFamily] = r.String(0x1A);
   }
 }
 
 void ParseBaseboard(const Record& r, Fields& f) {
-  f.board_manufacturer = r.String(0x04);
-  f.board_product = r.String(0x05);
-  f.board_version = r.String(0x06);
-  f.board_serial_number = r.String(0x07);
-  f.board_asset_tag = r.String(0x08);
-  if (r.length() > 8) f.board_location = r.String(0x0A);
+  f[kBoardManufacturer] = r.String(0x04);
+  f[kBoardProduct] = r.String(0x05);
+  f[kBoardVersion] = r.String(0x06);
+  f[kBoardSerialNumber] = r.String(0x07);
+  f[kBoardAssetTag] = r.String(0x08);
+  if (r.length() > 8) f[kBoardLocation] = r.String(0x0A);
 }
 
 void ParseChassis(const Record& r, Fields& f) {
-  f.chassis_manufacturer = r.String(0x04);
+  f[kChassisManufacturer] = r.String(0x04);
   f.chassis_type = r.Byte(0x05).value_or(0);
-  f.chassis_version = r.String(0x06);
-  f.chassis_serial_number = r.String(0x07);
-  f.chassis_asset_tag = r.String(0x08);
+  f[kChassisVersion] = r.String(0x06);
+  f[kChassisSerialNumber] = r.String(0x07);
+  f[kChassisAssetTag] = r.String(0x08);
   // Always offset 0x15, whatever the contained-element fields before it say and without a
   // length test: identity rules downstream were written against this reading.
-  f.chassis_sku = r.String(0x15);
+  f[kChassisSku] = r.String(0x15);
 }
 
 void ParseOemStrings(const Record& r, Fields& f) {

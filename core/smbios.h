@@ -15,21 +15,20 @@
 #include <string>
 #include <vector>
 
+#include "core/smbios_fields.h"
+
 namespace velhal::smbios {
 
 struct Fields {
-  std::string bios_vendor, bios_version, bios_release_date;
-  std::string bios_system_version, bios_ec_version;  // "%d.%02d" and "%d.%d"
-  std::string system_manufacturer, system_product_name, system_version, system_serial_number;
+  std::array<std::string, kTextFieldCount> text;  // by Field, 8-bit as stored
   std::array<uint8_t, 16> system_uuid{};  // as stored, no field reordering
-  std::string system_sku, system_family;
-  std::string board_manufacturer, board_product, board_version, board_serial_number;
-  std::string board_asset_tag, board_location;
-  std::string chassis_manufacturer, chassis_version, chassis_serial_number, chassis_asset_tag;
-  std::string chassis_sku;
   uint8_t chassis_type = 0;  // the whole byte, lock bit included
   std::map<int, std::string> oem_strings;  // only numbers 1, 2, 3, 4, 6, 7 and 10
   std::vector<uint8_t> oem_string_counts;  // the count byte of every type-11 record seen
+
+  // Text fields only (IsText).
+  std::string& operator[](Field field) { return text[static_cast<size_t>(field)]; }
+  const std::string& operator[](Field field) const { return text[static_cast<size_t>(field)]; }
 };
 
 // Walks the structures of [start, start + length) and parses the identity records into fields.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/identity.h"
+#include "core/smbios_fields.h"
 #include "firmware/smbios_reader.h"
 #include "platform/boundary.h"
 #include "platform/lazy_instance.h"
@@ -19,9 +20,9 @@ namespace {
 std::mutex g_sku_mutex;
 std::vector<std::string> g_unsupported_skus;
 
-std::wstring Text(const std::string& raw) { return AnsiToWide(raw); }
-
 }  // namespace
+
+using enum velhal::smbios::Field;
 
 SmBiosHelper::SmBiosHelper()
     : major_version_(0), minor_version_(0), dmi_revision_(0), system_uuid_{}, chassis_type_(0) {
@@ -31,31 +32,11 @@ SmBiosHelper::SmBiosHelper()
     major_version_ = snapshot.major;
     minor_version_ = snapshot.minor;
     dmi_revision_ = snapshot.dmi_revision;
-    bios_vendor_ = Text(f.bios_vendor);
-    bios_version_ = Text(f.bios_version);
-    bios_release_date_ = Text(f.bios_release_date);
-    bios_system_version_ = Text(f.bios_system_version);
-    bios_ec_version_ = Text(f.bios_ec_version);
-    system_manufacturer_ = Text(f.system_manufacturer);
-    system_product_name_ = Text(f.system_product_name);
-    system_version_ = Text(f.system_version);
-    system_serial_number_ = Text(f.system_serial_number);
+    text_.resize(f.text.size());
+    for (size_t i = 0; i < text_.size(); ++i) text_[i] = AnsiToWide(f.text[i]);
     std::memcpy(&system_uuid_, f.system_uuid.data(), sizeof(system_uuid_));
-    system_sku_ = Text(f.system_sku);
-    system_family_ = Text(f.system_family);
-    board_manufacturer_ = Text(f.board_manufacturer);
-    board_product_ = Text(f.board_product);
-    board_version_ = Text(f.board_version);
-    board_serial_number_ = Text(f.board_serial_number);
-    board_asset_tag_ = Text(f.board_asset_tag);
-    board_location_ = Text(f.board_location);
-    chassis_manufacturer_ = Text(f.chassis_manufacturer);
     chassis_type_ = f.chassis_type;
-    chassis_version_ = Text(f.chassis_version);
-    chassis_serial_number_ = Text(f.chassis_serial_number);
-    chassis_asset_tag_ = Text(f.chassis_asset_tag);
-    chassis_sku_ = Text(f.chassis_sku);
-    for (const auto& [number, text] : f.oem_strings) oem_strings_[number] = Text(text);
+    for (const auto& [number, text] : f.oem_strings) oem_strings_[number] = AnsiToWide(text);
     return true;
   });
   velhal::CallGuarded(false, [] {
@@ -90,37 +71,46 @@ SmBiosHelper* SmBiosHelper::GetInstance() {
   });
 }
 
+namespace {
+
+std::wstring Text(const std::vector<std::wstring>& text, velhal::smbios::Field field) {
+  const auto index = static_cast<size_t>(field);
+  return index < text.size() ? text[index] : std::wstring();
+}
+
+}  // namespace
+
 // A lookup that finds nothing answers empty and inserts nothing, so readers never race.
 std::wstring SmBiosHelper::Oem(int number) const {
   const auto found = oem_strings_.find(number);
   return found == oem_strings_.end() ? std::wstring() : found->second;
 }
 
-std::wstring SmBiosHelper::GetBIOSVendor() const { return bios_vendor_; }
-std::wstring SmBiosHelper::GetBIOSVersion() const { return bios_version_; }
-std::wstring SmBiosHelper::GetBIOSReleaseDate() const { return bios_release_date_; }
-std::wstring SmBiosHelper::GetBIOSSysVersion() const { return bios_system_version_; }
-std::wstring SmBiosHelper::GetBIOSECVersion() const { return bios_ec_version_; }
-std::wstring SmBiosHelper::GetSysManufactor() const { return system_manufacturer_; }
-std::wstring SmBiosHelper::GetSysProductName() const { return system_product_name_; }
-std::wstring SmBiosHelper::GetSysVersion() const { return system_version_; }
-std::wstring SmBiosHelper::GetSysSerialNumber() const { return system_serial_number_; }
+std::wstring SmBiosHelper::GetBIOSVendor() const { return Text(text_, kBiosVendor); }
+std::wstring SmBiosHelper::GetBIOSVersion() const { return Text(text_, kBiosVersion); }
+std::wstring SmBiosHelper::GetBIOSReleaseDate() const { return Text(text_, kBiosReleaseDate); }
+std::wstring SmBiosHelper::GetBIOSSysVersion() const { return Text(text_, kBiosSystemVersion); }
+std::wstring SmBiosHelper::GetBIOSECVersion() const { return Text(text_, kBiosEcVersion); }
+std::wstring SmBiosHelper::GetSysManufactor() const { return Text(text_, kSystemManufacturer); }
+std::wstring SmBiosHelper::GetSysProductName() const { return Text(text_, kSystemProductName); }
+std::wstring SmBiosHelper::GetSysVersion() const { return Text(text_, kSystemVersion); }
+std::wstring SmBiosHelper::GetSysSerialNumber() const { return Text(text_, kSystemSerialNumber); }
 GUID SmBiosHelper::GetSysUUID() const { return system_uuid_; }
-std::wstring SmBiosHelper::GetSysSKU() const { return system_sku_; }
-std::wstring SmBiosHelper::GetSysFamily() const { return system_family_; }
-std::wstring SmBiosHelper::GetBoardManufactor() const { return board_manufacturer_; }
-std::wstring SmBiosHelper::GetBoardProductName() const { return board_product_; }
-std::wstring SmBiosHelper::GetBoardVersion() const { return board_version_; }
-std::wstring SmBiosHelper::GetBoardSerialNumber() const { return board_serial_number_; }
-std::wstring SmBiosHelper::GetBoardAssetTag() const { return board_asset_tag_; }
-std::wstring SmBiosHelper::GetBoardLocation() const { return board_location_; }
-std::wstring SmBiosHelper::GetSecManufactor() const { return chassis_manufacturer_; }
+std::wstring SmBiosHelper::GetSysSKU() const { return Text(text_, kSystemSku); }
+std::wstring SmBiosHelper::GetSysFamily() const { return Text(text_, kSystemFamily); }
+std::wstring SmBiosHelper::GetBoardManufactor() const { return Text(text_, kBoardManufacturer); }
+std::wstring SmBiosHelper::GetBoardProductName() const { return Text(text_, kBoardProduct); }
+std::wstring SmBiosHelper::GetBoardVersion() const { return Text(text_, kBoardVersion); }
+std::wstring SmBiosHelper::GetBoardSerialNumber() const { return Text(text_, kBoardSerialNumber); }
+std::wstring SmBiosHelper::GetBoardAssetTag() const { return Text(text_, kBoardAssetTag); }
+std::wstring SmBiosHelper::GetBoardLocation() const { return Text(text_, kBoardLocation); }
+std::wstring SmBiosHelper::GetSecManufactor() const { return Text(text_, kChassisManufacturer); }
 unsigned char SmBiosHelper::GetSecType() const { return chassis_type_; }
-std::wstring SmBiosHelper::GetSecVersion() const { return chassis_version_; }
-std::wstring SmBiosHelper::GetSecSerialNumber() const { return chassis_serial_number_; }
-std::wstring SmBiosHelper::GetSecAssetTagNumber() const { return chassis_asset_tag_; }
-std::wstring SmBiosHelper::GetSecSKU() const { return chassis_sku_; }
-std::string SmBiosHelper::GetSecSkuA() const { return WideToAnsi(chassis_sku_); }
+std::wstring SmBiosHelper::GetSecVersion() const { return Text(text_, kChassisVersion); }
+std::wstring SmBiosHelper::GetSecSerialNumber() const { return Text(text_, kChassisSerialNumber); }
+std::wstring SmBiosHelper::GetSecAssetTagNumber() const { return Text(text_, kChassisAssetTag); }
+std::wstring SmBiosHelper::GetSecSKU() const { return Text(text_, kChassisSku); }
+std::string SmBiosHelper::GetSecSkuA() const { return WideToAnsi(GetSecSKU()); }
 std::wstring SmBiosHelper::GetOemString1() const { return Oem(1); }
 std::wstring SmBiosHelper::GetOemString2() const { return Oem(2); }
 std::wstring SmBiosHelper::GetOemString3() const { return Oem(3); }

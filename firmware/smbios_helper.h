@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "hal/velhal_export.h"
 
@@ -91,17 +92,9 @@ class VELHAL_API SmBiosHelper {
   uint32_t major_version_;
   uint32_t minor_version_;
   uint32_t dmi_revision_;
-  std::wstring bios_vendor_, bios_version_, bios_release_date_, bios_system_version_,
-      bios_ec_version_;
-  std::wstring system_manufacturer_, system_product_name_, system_version_,
-      system_serial_number_;
+  std::vector<std::wstring> text_;  // by velhal::smbios::Field (core/smbios_fields.h)
   GUID system_uuid_;
-  std::wstring system_sku_, system_family_;
-  std::wstring board_manufacturer_, board_product_, board_version_, board_serial_number_,
-      board_asset_tag_, board_location_;
-  std::wstring chassis_manufacturer_;
   unsigned char chassis_type_;
-  std::wstring chassis_version_, chassis_serial_number_, chassis_asset_tag_, chassis_sku_;
   std::map<int, std::wstring> oem_strings_;
 };
 

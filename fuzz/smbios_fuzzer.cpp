@@ -25,7 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     uint32_t consumer = 0;
     velhal::identity::ConsumerType(oem1, consumer);
-    velhal::identity::IsUnsupportWifiAndBt(oem7, oem1, fields.chassis_sku, {fields.system_sku});
+    velhal::identity::IsUnsupportWifiAndBt(oem7, oem1, fields[velhal::smbios::Field::kChassisSku],
+                                           {fields[velhal::smbios::Field::kSystemSku]});
     velhal::identity::BrandOf(velhal::identity::DeviceValue(oem1));
   }
   velhal::identity::ParseVendorList(std::string(reinterpret_cast<const char*>(data), size));

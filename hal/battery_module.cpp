@@ -175,6 +175,7 @@ std::optional<uint32_t> Voltage() {
 
 // Wear in hundredths of a percent. A battery holding more than its design is a failure, not 0.
 std::optional<uint32_t> Loss() {
+  // The presence test is made twice, as the loss reading always has; callers rely on it.
   if (!BatteryPresent() || !BatteryPresent()) return std::nullopt;
   const auto state = BatteryState();
   if (!state) return std::nullopt;

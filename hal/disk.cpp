@@ -46,6 +46,8 @@ bool Disk::EnsureList() {
 bool Disk::Number(uint32_t infoClass, int index, uint64_t& value) {
   if (!EnsureList() || index < 0 || index >= count_) return false;
   HalDeviceEntry* entry = velhal::hal::EntryAt(list_, static_cast<uint32_t>(index));
+  // A failed open leaves INVALID_HANDLE_VALUE in the slot; clearing it makes the next member
+  // try again instead of querying a dead handle.
   if (entry->handle == nullptr && !HalOpenDevice(HAL_CLASS_DISK, entry)) entry->handle = nullptr;
   std::array<unsigned char, 8> buffer{};
   uint32_t returned = 0;

@@ -137,15 +137,15 @@ uint64_t FreeMiBOfVolumesOn(uint32_t disk) {
   uint64_t free_mib = 0;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     const std::string device = std::string("\\\\.\\") + letter + ":";
-    const HANDLE volume = device_io().CreateFileA(device.c_str(), kQueryOnly, kShareReadWrite,
-                                                  nullptr, OPEN_EXISTING, 0, nullptr);
-    if (volume == INVALID_HANDLE_VALUE) continue;
+    UniqueFileHandle volume(device_io().CreateFileA(device.c_str(), kQueryOnly, kShareReadWrite,
+                                                    nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!volume.IsValid()) continue;
     STORAGE_DEVICE_NUMBER number{};
     DWORD bytes = 0;
     const BOOL ok =
-        device_io().DeviceIoControl(volume, IOCTL_STORAGE_GET_DEVICE_NUMBER, nullptr, 0, &number,
-                                    sizeof(number), &bytes, nullptr);
-    device_io().CloseHandle(volume);
+        device_io().DeviceIoControl(volume.Get(), IOCTL_STORAGE_GET_DEVICE_NUMBER, nullptr, 0,
+                                    &number, sizeof(number), &bytes, nullptr);
+    volume.Reset();
     if (!ok || number.DeviceType != FILE_DEVICE_DISK || number.DeviceNumber != disk) continue;
     const std::string root = std::string(1, letter) + ":";
     ULARGE_INTEGER available{}, total{}, total_free{};
@@ -176,8 +176,9 @@ uint32_t QueryTrim(HalDeviceEntry* entry, void* buffer, uint32_t buffer_size, ui
     return 0;
   }
   STORAGE_PROPERTY_QUERY query{};
-  query.PropertyId = StorageDeviceTrimProperty;  // 8
-  query.QueryType = PropertyStandardQuery;       // 0
+  query.PropertyId = StorageDeviceTrimProperty;
+  query.QueryType = PropertyStandardQuery;
+  static_assert(StorageDeviceTrimProperty == 8 && sizeof(query) == 12);
   DEVICE_TRIM_DESCRIPTOR trim{};
   DWORD bytes = 0;
   if (!device_io().DeviceIoControl(entry->handle, IOCTL_STORAGE_QUERY_PROPERTY, &query,
@@ -240,6 +241,9 @@ uint32_t Query(void* raw_entry, uint32_t info_class, void* buffer, uint32_t buff
   if (info_class > kLastInfoClass) return 0;
   auto* entry = static_cast<HalDeviceEntry*>(raw_entry);
   switch (info_class) {
+    // The WQL texts stand as hosts have always seen them queried: spaces around "=" only in
+    // the media-type query, and the serial number asked for as "serialNumber" (WMI property
+    // names are case-insensitive).
     case HAL_DISK_INFO_MEDIA_TYPE_TEXT:
       return QueryWmiText(entry, L"SELECT MediaType FROM Win32_DiskDrive WHERE Index = '",
                           L"MediaType", buffer, buffer_size, returned);

@@ -3,6 +3,7 @@
 
 #include "hal/class_dispatch.h"
 #include "platform/boundary.h"
+#include "platform/wmi_engine.h"
 
 namespace {
 
@@ -22,6 +23,17 @@ uint32_t Route(HalDeviceClass device_class, Operation ClassModule::*operation,
 }
 
 }  // namespace
+
+uint32_t HalBeginBatch() {
+  return velhal::CallGuarded(0u, [] {
+    velhal::wmi::BeginBatch();
+    return 1u;
+  });
+}
+
+uint32_t HalEndBatch() {
+  return velhal::CallGuarded(0u, [] { return velhal::wmi::EndBatch() ? 1u : 0u; });
+}
 
 uint32_t HalInit(HalDeviceClass deviceClass, void* list) {
   const ClassModule* module = FindClassModule(deviceClass);

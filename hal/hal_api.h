@@ -189,6 +189,16 @@ HAL_STATIC_ASSERT(offsetof(DpColorRange, step) == 16, "step at 16");
 #define HAL_MEMORY_INFO_CAPACITY 5u       /* u64 bytes */
 #define HAL_MEMORY_INFO_SPEED 6u          /* u32, as WMI reports it */
 
+/*
+ * A batch, for hosts that ask many questions at once: between HalBeginBatch and HalEndBatch,
+ * on the calling thread, every WMI query shares one connection per namespace and an identical
+ * query is answered from the rows the batch already holds. Batches nest (counted per thread);
+ * the outermost HalEndBatch releases everything. End a batch on the thread that began it and
+ * before that thread uninitialises COM. HalEndBatch returns 0 when no batch is open.
+ */
+VELHAL_C_API uint32_t HalBeginBatch(void);
+VELHAL_C_API uint32_t HalEndBatch(void);
+
 /* Core Audio's callback interface; the same tag Windows' headers use in C and C++. */
 struct IAudioEndpointVolumeCallback;
 

@@ -114,11 +114,13 @@ int Memory::GetSpeedbyIndex(uint32_t& speed, int index) {
 
 // The two load readings open class 11 first, as every member does; the reading itself does not
 // depend on the list, so a failed open still answers.
+static_assert(sizeof(MEMORYSTATUSEX) == 64);
+
 unsigned long Memory::GetMemoryLoad() {
   return CallGuarded(0ul, [&]() -> unsigned long {
     Open();
     MEMORYSTATUSEX status{};
-    status.dwLength = sizeof(status);  // 64
+    status.dwLength = sizeof(status);
     return velhal::os::system_info().GlobalMemoryStatusEx(&status) ? status.dwMemoryLoad : 0;
   });
 }

@@ -17,8 +17,9 @@ using velhal::UniqueDeviceInfoSet;
 using velhal::os::device_database;
 namespace keys = velhal::device_keys;
 
-constexpr DWORD kClassFlags = DIGCF_PRESENT;                     // 2
-constexpr DWORD kSystemWideFlags = DIGCF_PRESENT | DIGCF_ALLCLASSES;  // 6
+constexpr DWORD kClassFlags = DIGCF_PRESENT;
+constexpr DWORD kSystemWideFlags = DIGCF_PRESENT | DIGCF_ALLCLASSES;
+static_assert(kClassFlags == 2 && kSystemWideFlags == 6);
 constexpr DWORD kNoFlags = 0;
 constexpr DWORD kOffered = 520;      // bytes offered to most string reads (260 units)
 constexpr DWORD kOfferedWide = 522;  // ... and to the system-wide walks (261 units)
@@ -37,7 +38,7 @@ UniqueDeviceInfoSet OpenSet(const GUID* class_guid, DWORD flags) {
 
 bool EnumDevice(HDEVINFO set, DWORD index, SP_DEVINFO_DATA& device) {
   device = {};
-  device.cbSize = sizeof(SP_DEVINFO_DATA);  // 32
+  device.cbSize = sizeof(SP_DEVINFO_DATA);
   return device_database().SetupDiEnumDeviceInfo(set, index, &device) != FALSE;
 }
 
@@ -426,7 +427,8 @@ uint32_t DeviceInformention::UnstallDeviceByHardwareIdEx(const std::wstring& har
     auto& db = device_database();
 
     SP_DEVINFO_LIST_DETAIL_DATA_W detail{};
-    detail.cbSize = sizeof(detail);  // 560
+    static_assert(sizeof(detail) == 560);
+    detail.cbSize = sizeof(detail);
     if (!db.SetupDiGetDeviceInfoListDetailW(set.Get(), &detail)) return ::GetLastError();
 
     std::array<wchar_t, 200> instance_id{};
@@ -437,7 +439,8 @@ uint32_t DeviceInformention::UnstallDeviceByHardwareIdEx(const std::wstring& har
     }
 
     SP_REMOVEDEVICE_PARAMS remove{};
-    remove.ClassInstallHeader.cbSize = sizeof(SP_CLASSINSTALL_HEADER);  // 8
+    static_assert(sizeof(SP_CLASSINSTALL_HEADER) == 8 && sizeof(remove) == 16);
+    remove.ClassInstallHeader.cbSize = sizeof(SP_CLASSINSTALL_HEADER);
     remove.ClassInstallHeader.InstallFunction = DIF_REMOVE;
     remove.Scope = DI_REMOVEDEVICE_GLOBAL;
     remove.HwProfile = 0;
@@ -449,7 +452,8 @@ uint32_t DeviceInformention::UnstallDeviceByHardwareIdEx(const std::wstring& har
 
     // Whether a restart is needed is not reported.
     SP_DEVINSTALL_PARAMS_W install{};
-    install.cbSize = sizeof(install);  // 584
+    static_assert(sizeof(install) == 584);
+    install.cbSize = sizeof(install);
     db.SetupDiGetDeviceInstallParamsW(set.Get(), &*device, &install);
     return 0;
   });

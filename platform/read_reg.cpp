@@ -11,8 +11,9 @@
 namespace {
 
 constexpr DWORD kNoOptions = 0;
-constexpr REGSAM kReadAccess = KEY_READ | KEY_WOW64_64KEY;    // 0x20119
-constexpr REGSAM kWriteAccess = KEY_WRITE | KEY_WOW64_64KEY;  // 0x20106
+constexpr REGSAM kReadAccess = KEY_READ | KEY_WOW64_64KEY;
+constexpr REGSAM kWriteAccess = KEY_WRITE | KEY_WOW64_64KEY;
+static_assert(kReadAccess == 0x20119 && kWriteAccess == 0x20106);
 constexpr DWORD kStringCapacityChars = 260;                   // 520 bytes, NUL included
 constexpr size_t kMaxWrittenChars = 0x7FFFFFFE;               // keeps 2 x length + 2 in a DWORD
 

@@ -15,8 +15,9 @@ using velhal::os::service_control;
 
 using velhal::wmi::kCimV2;
 constexpr DWORD kStartAccess =
-    SERVICE_QUERY_STATUS | SERVICE_START | SERVICE_STOP | SERVICE_PAUSE_CONTINUE;  // 0x74
-constexpr DWORD kStopAccess = SERVICE_QUERY_STATUS | SERVICE_START | SERVICE_STOP;  // 0x34
+    SERVICE_QUERY_STATUS | SERVICE_START | SERVICE_STOP | SERVICE_PAUSE_CONTINUE;
+constexpr DWORD kStopAccess = SERVICE_QUERY_STATUS | SERVICE_START | SERVICE_STOP;
+static_assert(kStartAccess == 0x74 && kStopAccess == 0x34);
 constexpr int kWaitSteps = 20;
 constexpr DWORD kWaitStepMs = 100;
 

@@ -3,6 +3,7 @@
 #include <oleauto.h>
 #include <wbemcli.h>
 
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -73,7 +74,82 @@ bool SameNamespace(const std::wstring& a, const std::wstring& b) {
                                 static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
 }
 
+// The rows one WQL text gave in a session, kept for its later identical queries.
+struct Snapshot {
+  std::wstring name_space, wql;
+  HRESULT result = S_OK;  // how the enumeration ended
+  std::vector<ComPtr<IWbemClassObject>> objects;
+  bool complete = false;  // false when only the first object was fetched
+};
+
+std::timed_mutex& GateMutex() {
+  static std::timed_mutex mutex;
+  return mutex;
+}
+
+// One thread's turn at WMI where the platform needs queries serialized; elsewhere always given.
+class Turn {
+ public:
+  Turn() : held_(SerializesQueries() && GateMutex().try_lock_for(kQueryTimeout)) {
+    granted_ = held_ || !SerializesQueries();
+  }
+  ~Turn() {
+    if (held_) GateMutex().unlock();
+  }
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+  bool granted() const noexcept { return granted_; }
+
+ private:
+  bool held_;
+  bool granted_;
+};
+
 thread_local SessionScope::State* t_session = nullptr;
+thread_local SessionScope::State* t_batch = nullptr;  // owned by the batch, deleted at its end
+thread_local int t_batch_depth = 0;
+
+// Walks the enumerator until it ends, the deadline passes or (first_only) one object was seen.
+HRESULT Fetch(IEnumWbemClassObject* rows, bool first_only,
+              std::vector<ComPtr<IWbemClassObject>>& objects) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point deadline = Clock::now() + kQueryTimeout;
+  for (;;) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    if (left <= 0) return kTimedOut;
+    ComPtr<IWbemClassObject> object;
+    ULONG returned = 0;
+    const HRESULT hr = rows->Next(static_cast<LONG>(left), 1, object.Put(), &returned);
+    if (hr == WBEM_S_TIMEDOUT) return kTimedOut;
+    if (FAILED(hr)) return hr;
+    if (returned == 0 || !object) return S_OK;  // WBEM_S_FALSE: no more rows
+    objects.push_back(std::move(object));
+    if (first_only) return S_OK;
+  }
+}
+
+// Hands over the property of the snapshot's objects as the query itself would have: in WMI's
+// order, only the first object's when first_only, and the enumeration's own end.
+HRESULT Replay(const Snapshot& rows, const std::wstring& property, bool first_only,
+               const os::Wmi::ValueCallback& on_value) {
+  for (const ComPtr<IWbemClassObject>& object : rows.objects) {
+    Variant value;
+    CIMTYPE type = CIM_EMPTY;
+    const HRESULT got = object->Get(property.c_str(), 0, value.get(), &type, nullptr);
+    // An object without the property yields no value: a query whose objects all lack it ran
+    // but produced nothing, which ExcuteQuery reports as -15.
+    if (got != static_cast<HRESULT>(WBEM_E_NOT_FOUND)) {
+      if (FAILED(got)) return got;
+      // WMI hands uint32 over as VT_I4; mark it unsigned so that no reader sees it negative.
+      if (type == CIM_UINT32 && V_VT(value.get()) == VT_I4) V_VT(value.get()) = VT_UI4;
+      on_value(*value.get());
+    }
+    if (first_only) return S_OK;
+  }
+  return rows.result;
+}
 
 }  // namespace
 
@@ -81,6 +157,18 @@ struct SessionScope::State {
   Apartment apartment;  // declared first: released last, after every COM pointer below
   ComPtr<IWbemLocator> locator;
   std::vector<std::pair<std::wstring, ComPtr<IWbemServices>>> connections;
+  std::vector<Snapshot> snapshots;
+
+  State() = default;
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  // The COM pointers go back under the platform's turn too, as any other WMI call.
+  ~State() {
+    const Turn turn;
+    snapshots.clear();
+    connections.clear();
+    locator.Reset();
+  }
 
   HRESULT Connect(const std::wstring& name_space, ComPtr<IWbemServices>& services) {
     for (const auto& [connected, kept] : connections) {
@@ -112,6 +200,41 @@ struct SessionScope::State {
     connections.emplace_back(name_space, services);
     return S_OK;
   }
+
+  // The rows of wql, from this session's snapshot when it has them (a first-object snapshot
+  // serves only first-object questions), else from WMI.
+  HRESULT Rows(const std::wstring& name_space, const std::wstring& wql, bool first_only,
+               const Snapshot*& rows) {
+    for (auto kept = snapshots.begin(); kept != snapshots.end(); ++kept) {
+      if (kept->wql != wql || !SameNamespace(kept->name_space, name_space)) continue;
+      if (kept->complete || first_only) {
+        rows = &*kept;
+        return S_OK;
+      }
+      snapshots.erase(kept);
+      break;
+    }
+    ComPtr<IWbemServices> services;
+    HRESULT hr = Connect(name_space, services);
+    if (FAILED(hr)) return hr;
+    const Bstr language(L"WQL");
+    const Bstr query(wql);
+    if (language.get() == nullptr || query.get() == nullptr) return E_OUTOFMEMORY;
+    Snapshot snapshot;
+    snapshot.name_space = name_space;
+    snapshot.wql = wql;
+    snapshot.complete = !first_only;
+    ComPtr<IEnumWbemClassObject> enumerator;
+    hr = services->ExecQuery(language.get(), query.get(),
+                             WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
+                             enumerator.Put());
+    if (SUCCEEDED(hr) && !enumerator) hr = E_POINTER;
+    snapshot.result =
+        SUCCEEDED(hr) ? Fetch(enumerator.Get(), first_only, snapshot.objects) : hr;
+    snapshots.push_back(std::move(snapshot));
+    rows = &snapshots.back();
+    return S_OK;
+  }
 };
 
 SessionScope::SessionScope() {
@@ -125,64 +248,44 @@ SessionScope::~SessionScope() {
   if (owned_) t_session = nullptr;
 }
 
-namespace {
-
-// Walks the enumerator until it ends, the deadline passes or (first_only) one object was seen.
-HRESULT WalkRows(IEnumWbemClassObject* rows, const std::wstring& property, bool first_only,
-                 const os::Wmi::ValueCallback& on_value) {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point deadline = Clock::now() + kQueryTimeout;
-  for (;;) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    if (left <= 0) return kTimedOut;
-    ComPtr<IWbemClassObject> object;
-    ULONG returned = 0;
-    const HRESULT hr = rows->Next(static_cast<LONG>(left), 1, object.Put(), &returned);
-    if (hr == WBEM_S_TIMEDOUT) return kTimedOut;
-    if (FAILED(hr)) return hr;
-    if (returned == 0 || !object) return S_OK;  // WBEM_S_FALSE: no more rows
-
-    Variant value;
-    CIMTYPE type = CIM_EMPTY;
-    const HRESULT got = object->Get(property.c_str(), 0, value.get(), &type, nullptr);
-    // An object without the property yields no value: a query whose objects all lack it ran
-    // but produced nothing, which ExcuteQuery reports as -15.
-    if (got == static_cast<HRESULT>(WBEM_E_NOT_FOUND)) {
-      if (first_only) return S_OK;
-      continue;
-    }
-    if (FAILED(got)) return got;
-    // WMI hands uint32 over as VT_I4; mark it unsigned so that no reader sees it negative.
-    if (type == CIM_UINT32 && V_VT(value.get()) == VT_I4) V_VT(value.get()) = VT_UI4;
-    on_value(*value.get());
-    if (first_only) return S_OK;
+void BeginBatch() {
+  if (t_batch_depth == 0 && t_session == nullptr) {
+    t_batch = new SessionScope::State();  // may throw: then no batch was begun
+    t_session = t_batch;
   }
+  ++t_batch_depth;
 }
 
-}  // namespace
+bool EndBatch() {
+  if (t_batch_depth == 0) return false;
+  if (--t_batch_depth > 0 || t_batch == nullptr) return true;
+  if (t_session == t_batch) t_session = nullptr;
+  delete std::exchange(t_batch, nullptr);
+  return true;
+}
+
+bool SerializesQueries() {
+  // Wine's WMI corrupts its own heap under concurrent queries (two threads end the process
+  // within a few dozen queries); Windows' is safe, and stays concurrent.
+  static const bool serialize = [] {
+    const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+    return ntdll != nullptr && ::GetProcAddress(ntdll, "wine_get_version") != nullptr;
+  }();
+  return serialize;
+}
 
 HRESULT RunQuery(const std::wstring& name_space, const std::wstring& wql,
                  const std::wstring& property, bool first_only,
                  const os::Wmi::ValueCallback& on_value) {
-  const SessionScope scope;  // outside any caller's scope, this query connects for itself
+  const SessionScope scope;  // outside any session, this query connects for itself
   SessionScope::State& session = *t_session;
   if (FAILED(session.apartment.status())) return session.apartment.status();
-
-  ComPtr<IWbemServices> services;
-  HRESULT hr = session.Connect(name_space, services);
+  const Turn turn;
+  if (!turn.granted()) return kTimedOut;
+  const Snapshot* rows = nullptr;
+  const HRESULT hr = session.Rows(name_space, wql, first_only, rows);
   if (FAILED(hr)) return hr;
-
-  const Bstr language(L"WQL");
-  const Bstr query(wql);
-  if (language.get() == nullptr || query.get() == nullptr) return E_OUTOFMEMORY;
-  ComPtr<IEnumWbemClassObject> rows;
-  hr = services->ExecQuery(language.get(), query.get(),
-                           WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
-                           rows.Put());
-  if (FAILED(hr)) return hr;
-  if (!rows) return E_POINTER;
-  return WalkRows(rows.Get(), property, first_only, on_value);
+  return Replay(*rows, property, first_only, on_value);
 }
 
 }  // namespace velhal::wmi

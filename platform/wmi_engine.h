@@ -2,13 +2,21 @@
 // property of every returned object.
 //
 // COM: the calling thread's apartment is used as it is. Only when the thread has none does the
-// engine initialise COM (multithreaded) itself, and it balances that before the call returns.
-// It never calls CoInitializeSecurity (process-wide, the host's business) and sets the proxy
-// blanket on its own proxies instead.
+// engine initialise COM (multithreaded) itself, and it balances that when the session that
+// needed it ends. It never calls CoInitializeSecurity (process-wide, the host's business) and
+// sets the proxy blanket on its own proxies instead.
 //
-// Connections: a query made inside a SessionScope shares the scope's connection to its
-// namespace; outside one it connects for itself. Scopes live on the stack of one public call,
-// so no COM pointer outlives the call, and none is released after the host uninitialised COM.
+// Sessions: a query made inside a session shares the session's connection to its namespace,
+// and an identical WQL text in the same namespace is answered from the rows the session already
+// holds instead of asking WMI again. A SessionScope is a session on the stack of one public
+// call; a batch (BeginBatch/EndBatch, the flat HalBeginBatch/HalEndBatch) is one a host holds
+// open across calls on its thread, nesting counted. Outside both, each query connects for
+// itself. No COM pointer outlives its session; the host ends a batch before it uninitialises
+// COM on that thread (a batch left open when the thread ends is leaked, never released late).
+//
+// Bounds: each query waits at most kQueryTimeout for its rows. Where the platform's WMI is not
+// safe for concurrent use (Wine's corrupts its heap when two threads query at once), queries
+// are serialized process-wide, and a thread waits for its turn no longer than kQueryTimeout.
 #pragma once
 
 #include <chrono>
@@ -34,8 +42,16 @@ class SessionScope {
   struct State;
 
  private:
-  std::unique_ptr<State> owned_;  // null when an outer scope on this thread is in charge
+  std::unique_ptr<State> owned_;  // null when an outer session on this thread is in charge
 };
+
+// The batch of this thread: BeginBatch opens it (or nests), EndBatch closes one level and, at
+// the outermost, releases everything. EndBatch without a batch returns false.
+void BeginBatch();
+bool EndBatch();
+
+// Whether queries are serialized process-wide on this platform (decided once, on first use).
+bool SerializesQueries();
 
 HRESULT RunQuery(const std::wstring& name_space, const std::wstring& wql,
                  const std::wstring& property, bool first_only,

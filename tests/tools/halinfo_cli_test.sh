@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# halinfo under Wine: the header, --json, --help, and a clear failure without VelHal.dll.
+# halinfo under Wine: its sections as text and JSON, --help, --devices, --smbios-file, and a clear
+# failure without VelHal.dll.
 set -uo pipefail
 wine_run=$1 halinfo=$2 version=$3
 failures=0
@@ -11,18 +12,18 @@ check() {  # check DESCRIPTION COMMAND...
 # halinfo writes text-mode output (CRLF line ends, as on any Windows console); compare without \r.
 out=$("$wine_run" "$halinfo" | tr -d '\r'); rc=$?  # pipefail: halinfo's own status
 check "plain run exits 0" test "$rc" -eq 0
-check "header names the library version" grep -q "^VelHal $version\.0 " <<<"$out"
-check "header names the Windows version" grep -Eq '^Windows [0-9]+\.[0-9]+ build [0-9]+' <<<"$out"
-check "the disks section lists disk 0" grep -Eq '^  Disk 0: ' <<<"$out"
-check "the processor section has clocks in MHz" grep -Eq '^  clock ([0-9]+ MHz|\?) now' <<<"$out"
-check "the memory section counts modules" grep -Eq '^  ([0-9]+ MiB|\?) in [0-9]+ module\(s\)' <<<"$out"
-check "the battery section names the AC line" grep -Eq '^  AC line (online|offline|unknown)$' <<<"$out"
-check "disk 0 has a size in MiB and GB" grep -Eq '^    size [0-9]+ MiB \([0-9]+ GB\)' <<<"$out"
+check "the library section names its version" grep -Eq "^  version +$version\.0$" <<<"$out"
+check "the Windows section has a build number" grep -Eq '^  build +[0-9]+$' <<<"$out"
+check "the disks section lists disk 0" grep -q '^  Disk 0$' <<<"$out"
+check "the processor section has clocks in MHz" grep -Eq '^  current clock +([0-9]+ MHz|\?)$' <<<"$out"
+check "the memory section has its total in MiB" grep -Eq '^  total +([0-9]+ MiB|\?)$' <<<"$out"
+check "the battery section names the AC line" grep -Eq '^  AC line +(online|offline|unknown)$' <<<"$out"
+check "disk 0 has sizes in MiB and GB" grep -Ezq $'\n    size +[0-9]+ MiB\n    decimal size +[0-9]+ GB\n' <<<"$out"
 
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
-for key in processor memory disks battery; do
+for key in processor memory disks battery smbios; do
   check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
 done
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
@@ -36,16 +37,10 @@ check "--devices lists setup classes" grep -Eq '^  [A-Za-z ,/]+ \{[0-9A-F-]{36}\
 json=$("$wine_run" "$halinfo" --devices --json)
 check "--devices --json has the devices array" grep -q '"devices": \[' <<<"$json"
 
-data=$(dirname "$0")/../data/smbios
-for table in wine8-notebook.rsmb wine8-notebook.dump-bin wine8-notebook.DMI; do
-  smbios=$("$wine_run" "$halinfo" --smbios-file "$data/$table" --json | tr -d '\r'); rc=$?
-  check "--smbios-file $table exits 0" test "$rc" -eq 0
-  check "--smbios-file $table decodes the product" grep -q '"productName": "Example Book 14 G2"' <<<"$smbios"
-  for key in version bios system baseboard chassis oemStrings identity; do
-    grep -q "\"$key\": {" <<<"$smbios" || check "--smbios-file $table has $key" false
-  done
-done
-check "the live --json has the smbios object" grep -q '"smbios": {' <<<"$json"
+table=$(dirname "$0")/../data/smbios/wine8-notebook.rsmb
+smbios=$("$wine_run" "$halinfo" --smbios-file "$table" --json | tr -d '\r'); rc=$?
+check "--smbios-file exits 0" test "$rc" -eq 0
+check "--smbios-file decodes the product" grep -q '"productName": "Example Book 14 G2"' <<<"$smbios"
 
 alone=$(mktemp -d)
 cp "$halinfo" "$alone/"

@@ -1,6 +1,6 @@
+// The devices of this machine by setup class: the first hardware ID and the description of
+// every present device, as DeviceInformention reports them.
 #include "platform/win32.h"
-
-#include "tools/halinfo/devices_section.h"
 
 #include <objbase.h>
 
@@ -8,9 +8,12 @@
 #include <devguid.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "platform/device_informention.h"
 #include "tools/halinfo/output.h"
+#include "tools/halinfo/sections.h"
 
 namespace halinfo {
 namespace {
@@ -51,64 +54,38 @@ std::string GuidText(const GUID& guid) {
   return ::StringFromGUID2(guid, text, 40) > 0 ? ToUtf8(text) : std::string();
 }
 
+std::string ItemAt(const std::vector<std::wstring>& list, size_t i) {
+  return i < list.size() ? ToUtf8(list[i]) : std::string();
+}
+
+Node Device(const std::string& hardware_id, const std::string& description) {
+  return Object("", description.empty() ? "?" : description,
+                {Text("hardwareId", "hardware ID", hardware_id),
+                 Text("description", "", description)});
+}
+
 }  // namespace
 
-DevicesSection DevicesSection::Collect() {
-  DevicesSection section;
+Node DevicesSection() {
   DeviceInformention database;
+  std::vector<Node> classes;
   for (const KnownClass& known : kClasses) {
     const std::vector<std::wstring> ids = database.GetDeviceHardwareId(*known.guid);
     const std::vector<std::wstring> descriptions = database.GetDeviceDesc(*known.guid);
     // Both lists walk the same set; a device arriving in between makes one longer.
     const size_t count = std::max(ids.size(), descriptions.size());
     if (count == 0) continue;
-    SetupClass setup_class{known.name, GuidText(*known.guid), {}};
+    std::vector<Node> devices;
     for (size_t i = 0; i < count; ++i) {
-      setup_class.devices.push_back({i < ids.size() ? ToUtf8(ids[i]) : std::string(),
-                                     i < descriptions.size() ? ToUtf8(descriptions[i])
-                                                             : std::string()});
+      devices.push_back(Device(ItemAt(ids, i), ItemAt(descriptions, i)));
     }
-    section.classes.push_back(std::move(setup_class));
+    const std::string guid = GuidText(*known.guid);
+    classes.push_back(Object("", std::string(known.name) + " " + guid,
+                             {Text("class", "", known.name),
+                              Text("classGuid", "", guid),
+                              Array("devices", "", std::move(devices))}));
   }
-  return section;
-}
-
-void DevicesSection::AddTo(nlohmann::ordered_json& document) const {
-  nlohmann::ordered_json classes_json = nlohmann::ordered_json::array();
-  for (const SetupClass& setup_class : classes) {
-    nlohmann::ordered_json devices_json = nlohmann::ordered_json::array();
-    for (const Device& device : setup_class.devices) {
-      devices_json.push_back(
-          {{"hardwareId", device.hardware_id}, {"description", device.description}});
-    }
-    classes_json.push_back({{"class", setup_class.name},
-                            {"classGuid", setup_class.guid},
-                            {"devices", std::move(devices_json)}});
-  }
-  document["devices"] = std::move(classes_json);
-}
-
-std::string DevicesSection::ToText() const {
-  std::string text = "\nDevices (first hardware ID and description, by setup class)\n";
-  if (classes.empty()) text += "  none found in the classes shown\n";
-  bool any_property = false;
-  for (const SetupClass& setup_class : classes) {
-    for (const Device& device : setup_class.devices) {
-      any_property = any_property || !device.hardware_id.empty() || !device.description.empty();
-    }
-  }
-  if (!classes.empty() && !any_property) {
-    text += "  (the system answered no device property; Wine does not serve them)\n";
-  }
-  for (const SetupClass& setup_class : classes) {
-    text += "  " + setup_class.name + " " + setup_class.guid + "\n";
-    for (const Device& device : setup_class.devices) {
-      text += "    " + (device.hardware_id.empty() ? "(no hardware ID)" : device.hardware_id) +
-              "  " + (device.description.empty() ? "(no description)" : device.description) +
-              "\n";
-    }
-  }
-  return text;
+  return Array("devices", "Devices by setup class", std::move(classes));
 }
 
 }  // namespace halinfo

@@ -1,16 +1,26 @@
-#include "tools/halinfo/disks_section.h"
-
+// Physical disks: model, serial, firmware, size, free space, SSD/TRIM and the system disk, from
+// the Disk class or, when it lists none, from device class 5 drive by drive.
 #include <array>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "hal/disk.h"
 #include "hal/hal_api.h"
-#include "tools/halinfo/json_util.h"
 #include "tools/halinfo/output.h"
+#include "tools/halinfo/sections.h"
 
 namespace halinfo {
 namespace {
 
 constexpr uint32_t kProbeLimit = 16;
+
+struct Item {
+  uint32_t index = 0;
+  std::string model, serial_number, firmware, media_type;
+  std::optional<uint64_t> size_mib, size_gb, free_mib;
+  std::optional<bool> ssd, trim;
+};
 
 template <class T>
 std::optional<T> QueryNumber(HalDeviceEntry* entry, uint32_t info_class) {
@@ -39,9 +49,10 @@ std::string Trimmed(std::string text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-void FromDiskClass(Disk& disks, int count, DisksSection& section) {
+std::vector<Item> FromDiskClass(Disk& disks, int count) {
+  std::vector<Item> items;
   for (int i = 0; i < count; ++i) {
-    DisksSection::Item item;
+    Item item;
     item.index = static_cast<uint32_t>(i);
     item.model = Trimmed(ToUtf8(disks.GetCaption(i)));
     item.serial_number = Trimmed(ToUtf8(disks.GetSerialNumber(i)));
@@ -52,90 +63,68 @@ void FromDiskClass(Disk& disks, int count, DisksSection& section) {
     item.free_mib = disks.GetRemainCapacity(i);
     bool ssd = false;
     if (disks.JudgeSSd(i, ssd)) item.ssd = ssd;
-    section.items.push_back(std::move(item));
+    items.push_back(std::move(item));
   }
+  return items;
 }
 
 // Without a list, opens the drives one by one through class 5 until one does not open.
-void ByProbing(DisksSection& section) {
+std::vector<Item> ByProbing() {
+  std::vector<Item> items;
   for (uint32_t n = 0; n < kProbeLimit; ++n) {
     HalDeviceEntry entry{nullptr, n, 0};
     if (!HalOpenDevice(HAL_CLASS_DISK, &entry)) break;
-    DisksSection::Item item;
+    Item item;
     item.index = n;
-    item.model = Trimmed(QueryText(&entry, 1));
-    item.serial_number = Trimmed(QueryText(&entry, 2));
-    item.firmware = Trimmed(QueryText(&entry, 9));
-    item.media_type = QueryText(&entry, 0);
-    item.size_mib = QueryNumber<uint64_t>(&entry, 3);
-    item.size_gb = QueryNumber<uint64_t>(&entry, 5);
-    item.free_mib = QueryNumber<uint64_t>(&entry, 4);
-    if (const auto trim = QueryNumber<uint32_t>(&entry, 10)) item.trim = *trim == 1;
+    item.model = Trimmed(QueryText(&entry, HAL_DISK_INFO_CAPTION));
+    item.serial_number = Trimmed(QueryText(&entry, HAL_DISK_INFO_SERIAL_NUMBER));
+    item.firmware = Trimmed(QueryText(&entry, HAL_DISK_INFO_FIRMWARE_REVISION));
+    item.media_type = QueryText(&entry, HAL_DISK_INFO_MEDIA_TYPE_TEXT);
+    item.size_mib = QueryNumber<uint64_t>(&entry, HAL_DISK_INFO_SIZE_MIB);
+    item.size_gb = QueryNumber<uint64_t>(&entry, HAL_DISK_INFO_SIZE_DECIMAL_GB);
+    item.free_mib = QueryNumber<uint64_t>(&entry, HAL_DISK_INFO_FREE_MIB);
+    const auto trim = QueryNumber<uint32_t>(&entry, HAL_DISK_INFO_TRIM_ENABLED);
+    if (trim) item.trim = *trim == 1;
     HalCloseDevice(HAL_CLASS_DISK, &entry);
-    section.items.push_back(std::move(item));
+    items.push_back(std::move(item));
   }
+  return items;
 }
 
-std::string YesNo(const std::optional<bool>& value) {
-  return value ? (*value ? "yes" : "no") : "unknown";
+Node ItemNode(const Item& item, bool system_disk) {
+  return Object("", "Disk " + std::to_string(item.index),
+                {Number("index", "", item.index),
+                 Text("model", "model", item.model),
+                 Text("serialNumber", "serial number", item.serial_number),
+                 Text("firmware", "firmware", item.firmware),
+                 Number("sizeMiB", "size", item.size_mib, "MiB"),
+                 Number("sizeGB", "decimal size", item.size_gb, "GB"),
+                 Number("freeMiB", "free", item.free_mib, "MiB"),
+                 Text("mediaType", "media", item.media_type),
+                 Flag("ssd", "SSD", item.ssd),
+                 Flag("trim", "TRIM", item.trim),
+                 Flag("systemDisk", "system disk", system_disk)});
 }
 
 }  // namespace
 
-DisksSection DisksSection::Collect() {
-  DisksSection section;
+Node DisksSection() {
   Disk disks;
   const int count = disks.GetPhysicDiskNumbers();
-  if (count > 0) {
-    section.source = "list";
-    FromDiskClass(disks, count, section);
-  } else {
-    section.source = "probe";
-    ByProbing(section);
-  }
-  uint32_t system_disk = 0;
-  if (disks.GetSystemDiskIndex(system_disk)) section.system_disk = system_disk;
-  return section;
-}
+  // "list" when the library listed the disks (HalInit); "probe" when they were opened one by
+  // one as \\.\PHYSICALDRIVE<n>.
+  const bool listed = count > 0;
+  const std::vector<Item> items = listed ? FromDiskClass(disks, count) : ByProbing();
+  std::optional<uint32_t> system_disk;
+  uint32_t index = 0;
+  if (disks.GetSystemDiskIndex(index)) system_disk = index;
 
-void DisksSection::AddTo(nlohmann::ordered_json& document) const {
-  nlohmann::ordered_json items_json = nlohmann::ordered_json::array();
-  for (const Item& item : items) {
-    items_json.push_back({{"index", item.index},
-                          {"model", item.model},
-                          {"serialNumber", item.serial_number},
-                          {"firmware", item.firmware},
-                          {"sizeMiB", OrNull(item.size_mib)},
-                          {"sizeGB", OrNull(item.size_gb)},
-                          {"freeMiB", OrNull(item.free_mib)},
-                          {"mediaType", item.media_type},
-                          {"ssd", OrNull(item.ssd)},
-                          {"trim", OrNull(item.trim)},
-                          {"systemDisk", system_disk && *system_disk == item.index}});
-  }
-  document["disks"] = {{"source", source},
-                       {"systemDisk", OrNull(system_disk)},
-                       {"items", std::move(items_json)}};
-}
-
-std::string DisksSection::ToText() const {
-  std::string text = "\nDisks\n";
-  if (source == "probe") {
-    text += "  (no disk list from the system's WMI; drives opened one by one)\n";
-  }
-  if (items.empty()) text += "  none found\n";
-  for (const Item& item : items) {
-    text += "  Disk " + std::to_string(item.index) + ": " +
-            (item.model.empty() ? "(model unknown)" : item.model);
-    if (system_disk && *system_disk == item.index) text += "  [system disk]";
-    text += "\n    serial " + OrUnknown(item.serial_number) + ", firmware " +
-            OrUnknown(item.firmware) + "\n";
-    text += "    size " + OrUnknown(item.size_mib) + " MiB (" + OrUnknown(item.size_gb) +
-            " GB), free " + OrUnknown(item.free_mib) + " MiB\n";
-    text += "    media " + OrUnknown(item.media_type) + ", SSD " +
-            YesNo(item.ssd) + ", TRIM " + YesNo(item.trim) + "\n";
-  }
-  return text;
+  std::vector<Node> nodes;
+  for (const Item& item : items) nodes.push_back(ItemNode(item, system_disk == item.index));
+  return Object("disks", "Disks",
+                {Text("source", "source", listed ? "list" : "probe"),
+                 Number("systemDisk", "system disk", system_disk),
+                 Array("items", "", std::move(nodes))});
 }
 
 }  // namespace halinfo

@@ -2,22 +2,37 @@
 
 #include "tools/halinfo/live.h"
 
-#include <optional>
 #include <string>
+#include <vector>
 
-#include <nlohmann/json.hpp>
-
-#include "tools/halinfo/devices_section.h"
-#include "tools/halinfo/disks_section.h"
-#include "tools/halinfo/header_section.h"
-#include "tools/halinfo/machine_sections.h"
+#include "hal/hal_batch.h"
+#include "tools/halinfo/node.h"
 #include "tools/halinfo/output.h"
-#include "tools/halinfo/smbios_report.h"
+#include "tools/halinfo/sections.h"
 
 namespace halinfo {
 namespace {
 
 constexpr int kExitLibraryMissing = 3;
+
+enum class Shown { kAlways, kWithDevicesOption };
+
+struct Section {
+  Node (*build)();
+  Shown shown = Shown::kAlways;
+};
+
+// The report, in order: a new section is one row.
+constexpr Section kSections[] = {
+    {LibrarySection},
+    {WindowsSection},
+    {ProcessorSection},
+    {MemorySection},
+    {DisksSection},
+    {BatterySection},
+    {FirmwareSection},
+    {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
+};
 
 // VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words
 // instead of by the loader before main runs.
@@ -29,42 +44,19 @@ HMODULE LoadVelHal() {
 }  // namespace
 
 int ReportRunningMachine(const Options& options) {
-  const HMODULE library = LoadVelHal();
-  if (library == nullptr) {
+  if (LoadVelHal() == nullptr) {
     const DWORD error = ::GetLastError();
     PrintError("halinfo: cannot load VelHal.dll: " + SystemMessage(error) + " (error " +
                std::to_string(error) + ").\nKeep VelHal.dll in the folder of halinfo.exe.\n");
     return kExitLibraryMissing;
   }
-
-  const HeaderSection header = HeaderSection::Collect(library);
-  const ProcessorSection processor = ProcessorSection::Collect();
-  const MemorySection memory = MemorySection::Collect();
-  const DisksSection disks = DisksSection::Collect();
-  const BatterySection battery = BatterySection::Collect();
-  const SmbiosReport firmware = SmbiosReport::FromRunningMachine();
-  std::optional<DevicesSection> devices;
-  if (options.devices) devices = DevicesSection::Collect();
-
-  if (options.json) {
-    nlohmann::ordered_json document = nlohmann::ordered_json::object();
-    header.AddTo(document);
-    processor.AddTo(document);
-    memory.AddTo(document);
-    disks.AddTo(document);
-    battery.AddTo(document);
-    firmware.AddTo(document);
-    if (devices) devices->AddTo(document);
-    Print(document.dump(2) + "\n");
-  } else {
-    Print(header.ToText());
-    Print(processor.ToText());
-    Print(memory.ToText());
-    Print(disks.ToText());
-    Print(battery.ToText());
-    Print(firmware.ToText());
-    if (devices) Print(devices->ToText());
+  // One batch for the whole inventory: one WMI connection per namespace, each query asked once.
+  const HalBatch batch;
+  std::vector<Node> sections;
+  for (const Section& section : kSections) {
+    if (section.shown == Shown::kAlways || options.devices) sections.push_back(section.build());
   }
+  Print(options.json ? JsonDocument(sections) : PlainText(sections));
   return 0;
 }
 

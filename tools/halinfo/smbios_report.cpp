@@ -2,12 +2,15 @@
 
 #include <fstream>
 #include <iterator>
+#include <vector>
 
 #include "core/identity.h"
 #include "tools/halinfo/output.h"
 
 namespace halinfo {
 namespace {
+
+using velhal::smbios::Field;
 
 constexpr int kExitUnreadable = 2;
 
@@ -39,30 +42,9 @@ SmbiosReport SmbiosReport::FromTable(uint32_t major, uint32_t minor, uint32_t dm
   r.major = major;
   r.minor = minor;
   r.dmi_revision = dmi_revision;
-  r.bios_vendor = Utf8(f.bios_vendor);
-  r.bios_version = Utf8(f.bios_version);
-  r.bios_release_date = Utf8(f.bios_release_date);
-  r.bios_system_version = Utf8(f.bios_system_version);
-  r.bios_ec_version = Utf8(f.bios_ec_version);
-  r.system_manufacturer = Utf8(f.system_manufacturer);
-  r.system_product_name = Utf8(f.system_product_name);
-  r.system_version = Utf8(f.system_version);
-  r.system_serial_number = Utf8(f.system_serial_number);
+  for (size_t i = 0; i < r.text.size(); ++i) r.text[i] = Utf8(f.text[i]);
   r.system_uuid_hex = UuidHex(f.system_uuid);
-  r.system_sku = Utf8(f.system_sku);
-  r.system_family = Utf8(f.system_family);
-  r.board_manufacturer = Utf8(f.board_manufacturer);
-  r.board_product = Utf8(f.board_product);
-  r.board_version = Utf8(f.board_version);
-  r.board_serial_number = Utf8(f.board_serial_number);
-  r.board_asset_tag = Utf8(f.board_asset_tag);
-  r.board_location = Utf8(f.board_location);
-  r.chassis_manufacturer = Utf8(f.chassis_manufacturer);
   r.chassis_type = f.chassis_type;
-  r.chassis_version = Utf8(f.chassis_version);
-  r.chassis_serial_number = Utf8(f.chassis_serial_number);
-  r.chassis_asset_tag = Utf8(f.chassis_asset_tag);
-  r.chassis_sku = Utf8(f.chassis_sku);
   for (const auto& [number, text] : f.oem_strings) r.oem_strings[number] = Utf8(text);
 
   namespace id = velhal::identity;
@@ -75,84 +57,42 @@ SmbiosReport SmbiosReport::FromTable(uint32_t major, uint32_t minor, uint32_t dm
   r.brand = id::BrandOf(static_cast<uint16_t>(r.device_value));
   id::ConsumerType(oem1, r.consumer_type);
   r.detachable = f.chassis_type == id::kChassisDetachable;
-  r.unsupport_wifi_and_bt = id::IsUnsupportWifiAndBt(oem(7), oem1, f.chassis_sku, {});
+  r.unsupport_wifi_and_bt = id::IsUnsupportWifiAndBt(oem(7), oem1, f[Field::kChassisSku], {});
   return r;
 }
 
-void SmbiosReport::AddTo(nlohmann::ordered_json& document) const {
-  nlohmann::ordered_json oem = nlohmann::ordered_json::object();
-  for (const auto& [number, text] : oem_strings) oem[std::to_string(number)] = text;
-  document["smbios"] = {
-      {"version", {{"major", major}, {"minor", minor}, {"dmiRevision", dmi_revision}}},
-      {"bios",
-       {{"vendor", bios_vendor},
-        {"version", bios_version},
-        {"releaseDate", bios_release_date},
-        {"systemVersion", bios_system_version},
-        {"ecVersion", bios_ec_version}}},
-      {"system",
-       {{"manufacturer", system_manufacturer},
-        {"productName", system_product_name},
-        {"version", system_version},
-        {"serialNumber", system_serial_number},
-        {"uuid", system_uuid_hex},
-        {"sku", system_sku},
-        {"family", system_family}}},
-      {"baseboard",
-       {{"manufacturer", board_manufacturer},
-        {"product", board_product},
-        {"version", board_version},
-        {"serialNumber", board_serial_number},
-        {"assetTag", board_asset_tag},
-        {"location", board_location}}},
-      {"chassis",
-       {{"manufacturer", chassis_manufacturer},
-        {"type", chassis_type},
-        {"version", chassis_version},
-        {"serialNumber", chassis_serial_number},
-        {"assetTag", chassis_asset_tag},
-        {"sku", chassis_sku}}},
-      {"oemStrings", std::move(oem)},
-      {"identity",
-       {{"deviceValue", device_value},
-        {"brand", brand},
-        {"consumerType", consumer_type},
-        {"isTypeDetachablePC", detachable},
-        {"isUnsupportWifiAndBT", unsupport_wifi_and_bt}}}};
+Node SmbiosReport::FieldNode(const velhal::smbios::FieldName& row) const {
+  switch (row.field) {
+    case Field::kSystemUuid: return Text(row.key, row.label, system_uuid_hex);
+    case Field::kChassisType: return Number(row.key, row.label, chassis_type);
+    default: return Text(row.key, row.label, text[static_cast<size_t>(row.field)]);
+  }
 }
 
-std::string SmbiosReport::ToText() const {
-  const auto line = [](const char* label, const std::string& value) {
-    return std::string("  ") + label + (value.empty() ? "-" : value) + "\n";
-  };
-  std::string text = "\nFirmware (SMBIOS " + std::to_string(major) + "." + std::to_string(minor) +
-                     ", DMI revision " + std::to_string(dmi_revision) + ")\n";
-  text += line("BIOS:       ", bios_vendor + " " + bios_version + ", " + bios_release_date +
-                                 " (system " + bios_system_version + ", EC " + bios_ec_version +
-                                 ")");
-  text += line("System:     ", system_manufacturer + " " + system_product_name + " " +
-                                 system_version);
-  text += line("  serial    ", system_serial_number);
-  text += line("  UUID      ", system_uuid_hex);
-  text += line("  SKU       ", system_sku);
-  text += line("  family    ", system_family);
-  text += line("Baseboard:  ", board_manufacturer + " " + board_product + " " + board_version);
-  text += line("  serial    ", board_serial_number);
-  text += line("  asset tag ", board_asset_tag);
-  text += line("  location  ", board_location);
-  text += line("Chassis:    ", chassis_manufacturer + ", type " + std::to_string(chassis_type) +
-                                 " " + chassis_version);
-  text += line("  serial    ", chassis_serial_number);
-  text += line("  asset tag ", chassis_asset_tag);
-  text += line("  SKU       ", chassis_sku);
-  for (const auto& [number, value] : oem_strings) {
-    text += line(("OEM string " + std::to_string(number) + ": ").c_str(), value);
+Node SmbiosReport::ToNode() const {
+  std::vector<Node> members = {Object("version", "version",
+                                      {Number("major", "major", major),
+                                       Number("minor", "minor", minor),
+                                       Number("dmiRevision", "DMI revision", dmi_revision)})};
+  for (const velhal::smbios::FieldName& row : velhal::smbios::kFieldNames) {
+    if (members.back().key != row.group->key) {
+      members.push_back(Object(row.group->key, row.group->label, {}));
+    }
+    members.back().children.push_back(FieldNode(row));
   }
-  text += "  Identity:   device value " + std::to_string(device_value) + ", brand " +
-          std::to_string(brand) + ", consumer type " + std::to_string(consumer_type) +
-          ", detachable " + (detachable ? "yes" : "no") + ", Wi-Fi/BT hidden " +
-          (unsupport_wifi_and_bt ? "yes" : "no") + "\n";
-  return text;
+  std::vector<Node> oem;
+  for (const auto& [number, value] : oem_strings) {
+    oem.push_back(Text(std::to_string(number), "string " + std::to_string(number), value));
+  }
+  members.push_back(Object("oemStrings", "OEM strings", std::move(oem)));
+  members.push_back(Object("identity", "identity",
+                           {Number("deviceValue", "device value", device_value),
+                            Number("brand", "brand", brand),
+                            Number("consumerType", "consumer type", consumer_type),
+                            Flag("isTypeDetachablePC", "detachable", detachable),
+                            Flag("isUnsupportWifiAndBT", "Wi-Fi/BT hidden",
+                                 unsupport_wifi_and_bt)}));
+  return Object("smbios", "Firmware (SMBIOS)", std::move(members));
 }
 
 int ReportSmbiosFile(const std::string& path, bool json) {
@@ -169,16 +109,13 @@ int ReportSmbiosFile(const std::string& path, bool json) {
   }
   velhal::smbios::Fields fields;
   velhal::smbios::Walk(bytes.data() + saved->offset, saved->length, fields);
-  const SmbiosReport report =
-      SmbiosReport::FromTable(saved->major, saved->minor, saved->dmi_revision, fields);
+  const Node report =
+      SmbiosReport::FromTable(saved->major, saved->minor, saved->dmi_revision, fields).ToNode();
   if (json) {
-    nlohmann::ordered_json document = nlohmann::ordered_json::object();
-    report.AddTo(document);
-    Print(document.dump(2) + "\n");
+    Print(JsonDocument({report}));
   } else {
     Print(path + ": " + FormatName(saved->format) + ", " + std::to_string(saved->length) +
-          " bytes of structures\n");
-    Print(report.ToText());
+          " bytes of structures\n\n" + PlainText({report}));
   }
   return 0;
 }

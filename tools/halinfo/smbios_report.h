@@ -1,5 +1,5 @@
 // The firmware identity as halinfo reports it, from a saved table (offline, portable) or from
-// the running machine's SmBiosHelper. One JSON shape for both:
+// the running machine's SmBiosHelper (firmware_section.cpp). One node, so one JSON shape for both:
 // {"smbios": {"version", "bios", "system", "baseboard", "chassis", "oemStrings", "identity"}}.
 #pragma once
 
@@ -7,23 +7,16 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "core/smbios.h"
+#include "tools/halinfo/node.h"
 
 namespace halinfo {
 
 struct SmbiosReport {
   uint32_t major = 0, minor = 0, dmi_revision = 0;
-  std::string bios_vendor, bios_version, bios_release_date, bios_system_version, bios_ec_version;
-  std::string system_manufacturer, system_product_name, system_version, system_serial_number,
-      system_uuid_hex, system_sku, system_family;
-  std::string board_manufacturer, board_product, board_version, board_serial_number,
-      board_asset_tag, board_location;
-  std::string chassis_manufacturer, chassis_version, chassis_serial_number, chassis_asset_tag,
-      chassis_sku;
+  std::array<std::string, velhal::smbios::kTextFieldCount> text;  // UTF-8, by Field
+  std::string system_uuid_hex;
   uint32_t chassis_type = 0;
   std::map<int, std::string> oem_strings;  // exactly the numbers the firmware stored
   uint32_t device_value = 0, brand = 0, consumer_type = 0;
@@ -32,12 +25,11 @@ struct SmbiosReport {
   // Offline: the identity rules run with an empty unsupported-SKU list (no file is read).
   static SmbiosReport FromTable(uint32_t major, uint32_t minor, uint32_t dmi_revision,
                                 const velhal::smbios::Fields& fields);
-#ifdef _WIN32
-  static SmbiosReport FromRunningMachine();
-#endif
 
-  void AddTo(nlohmann::ordered_json& document) const;
-  std::string ToText() const;
+  Node ToNode() const;
+
+ private:
+  Node FieldNode(const velhal::smbios::FieldName& row) const;
 };
 
 std::string UuidHex(const std::array<uint8_t, 16>& bytes);

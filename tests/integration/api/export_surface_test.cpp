@@ -93,6 +93,7 @@ TEST_F(ExportSurfaceTest, ExportsExactlyTheCheckedInList) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (!line.empty() && line[0] != '#') expected.push_back(line);
   }
+  std::sort(expected.begin(), expected.end());
   std::vector<std::string> missing, unexpected;
   std::set_difference(expected.begin(), expected.end(), actual.begin(), actual.end(),
                       std::back_inserter(missing));

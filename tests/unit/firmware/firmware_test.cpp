@@ -58,7 +58,7 @@ TEST_F(FirmwareTest, TheFirmwareTableIsReadWithItsVersions) {
   const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 3u);
   EXPECT_EQ(snapshot.minor, 4u);
-  EXPECT_EQ(snapshot.fields.system_manufacturer, "Example Computers Ltd.");
+  EXPECT_EQ(snapshot.fields[velhal::smbios::Field::kSystemManufacturer], "Example Computers Ltd.");
   EXPECT_EQ(snapshot.fields.oem_strings.at(1), "ABCDEFGHI3x");
   EXPECT_EQ(os_.debug.messages,
             std::vector<std::wstring>{L"biosType11 stringCount 5(SmBiosHelper::ProcOemString)\n"});
@@ -72,7 +72,7 @@ TEST_F(FirmwareTest, ASizeMismatchFillsNothingAndTriesNoWmi) {
   os_.firmware_table.short_by = 1;
   const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);
-  EXPECT_EQ(snapshot.fields.system_manufacturer, "");
+  EXPECT_EQ(snapshot.fields[velhal::smbios::Field::kSystemManufacturer], "");
   EXPECT_EQ(os_.debug.messages,
             std::vector<std::wstring>{L"getSystemFirmwareTable error(SmBiosHelper::Init)\n"});
   EXPECT_TRUE(os_.wmi.calls.empty());
@@ -85,7 +85,7 @@ TEST_F(FirmwareTest, WithoutTheFunctionWmiServesTheBareStructures) {
                  L"SMBiosData", {FakeValue::Bytes(structures)});
   velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
   EXPECT_EQ(snapshot.major, 0u);  // no header on this path
-  EXPECT_EQ(snapshot.fields.chassis_manufacturer, "Chassis Maker");
+  EXPECT_EQ(snapshot.fields[velhal::smbios::Field::kChassisManufacturer], "Chassis Maker");
   EXPECT_EQ(snapshot.fields.chassis_type, 0x20);
 
   os_.wmi.Script(velhal::wmi::kRootWmi, L"SELECT SMBiosData FROM MSSmBios_RawSMBiosTables",

@@ -146,33 +146,80 @@ TEST_F(WmiEngineTest, ReportsFailuresAndTimeouts) {
   ExpectClean(com);
 }
 
-TEST_F(WmiEngineTest, ASessionScopeSharesOneConnectionPerNamespace) {
+TEST_F(WmiEngineTest, ASessionSharesItsConnectionsAndAnswersRepeatsFromItsRows) {
   FakeCom com(FakeCom::Apartment::kNone);
   com.AddNamespace(kCimV2);
   com.AddNamespace(L"ROOT\\WMI");
-  com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
+  com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU"), NameRow(L"CPU 2")}});
   Install(com);
 
   Collector out;
   for (int i = 0; i < 3; ++i) RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
-  EXPECT_EQ(com.connections, 3);  // no scope: each query connects for itself
+  EXPECT_EQ(com.connections, 3);  // no session: each query connects and asks for itself
+  EXPECT_EQ(com.exec_flags.size(), 3u);
   EXPECT_EQ(com.initialize_calls, 3);
 
   {
     const velhal::wmi::SessionScope scope;
     const velhal::wmi::SessionScope nested;  // an inner scope changes nothing
+    // A first-object question is asked once; the whole list then needs WMI once more, and
+    // every later repeat (any case of the namespace) is replayed, in order.
+    RunQuery(kCimV2, kProcessors, L"Name", true, out.callback());
+    RunQuery(kCimV2, kProcessors, L"Name", true, out.callback());
+    EXPECT_EQ(com.exec_flags.size(), 3u + 1);
     for (int i = 0; i < 3; ++i) RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
-    RunQuery(L"root\\cimv2", kProcessors, L"Name", false, out.callback());
+    RunQuery(L"root\\cimv2", kProcessors, L"name", false, out.callback());
+    EXPECT_EQ(com.exec_flags.size(), 3u + 2);
     RunQuery(L"ROOT\\WMI", kProcessors, L"Name", false, out.callback());
+    EXPECT_EQ(com.exec_flags.size(), 3u + 3);
     EXPECT_EQ(com.connections, 3 + 2);
     EXPECT_EQ(com.locators_created, 3 + 1);
     EXPECT_EQ(com.initialize_calls, 3 + 1);  // COM stays up for the whole scope
     EXPECT_GT(com.live_objects, 0);
   }
   // Everything is released when the scope ends, before COM is uninitialised.
-  EXPECT_EQ(out.values.size(), 8u);
+  EXPECT_EQ(out.values.size(), 3u * 2 + 2 + 4 * 2 + 2);
+  EXPECT_EQ(std::vector<std::wstring>(out.values.end() - 4, out.values.end()),
+            (std::vector<std::wstring>{L"CPU", L"CPU 2", L"CPU", L"CPU 2"}));
   EXPECT_EQ(com.blankets_set, com.connections);
   EXPECT_EQ(com.initialize_calls, com.uninitialize_calls);
+  EXPECT_EQ(com.live_objects, 0);
+  backend_.reset();
+  ExpectClean(com);
+}
+
+TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
+  FakeCom com(FakeCom::Apartment::kNone);
+  com.AddNamespace(kCimV2);
+  com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
+  com.AddQuery(L"SELECT Name FROM Win32_Broken", {static_cast<HRESULT>(WBEM_E_INVALID_CLASS), {}});
+  Install(com);
+
+  EXPECT_FALSE(velhal::wmi::EndBatch());  // no batch open
+  velhal::wmi::BeginBatch();
+  velhal::wmi::BeginBatch();  // nested: counted
+  Collector out;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(RunQuery(kCimV2, kProcessors, L"Name", false, out.callback()), S_OK);
+    // A failed query is answered from the batch too, with its own code.
+    EXPECT_EQ(RunQuery(kCimV2, L"SELECT Name FROM Win32_Broken", L"Name", false, out.callback()),
+              static_cast<HRESULT>(WBEM_E_INVALID_CLASS));
+  }
+  EXPECT_EQ(out.values, (std::vector<std::wstring>{L"CPU", L"CPU", L"CPU"}));
+  EXPECT_EQ(com.connections, 1);
+  EXPECT_EQ(com.exec_flags.size(), 2u);
+  EXPECT_TRUE(velhal::wmi::EndBatch());
+  EXPECT_GT(com.live_objects, 0);  // the inner end keeps the batch
+  EXPECT_EQ(com.uninitialize_calls, 0);
+  EXPECT_TRUE(velhal::wmi::EndBatch());
+  EXPECT_EQ(com.live_objects, 0);
+  EXPECT_EQ(com.initialize_calls, 1);
+  EXPECT_EQ(com.uninitialize_calls, 1);
+  EXPECT_FALSE(velhal::wmi::EndBatch());
+
+  // After the batch, each query asks WMI again.
+  RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
+  EXPECT_EQ(com.exec_flags.size(), 3u);
   backend_.reset();
   ExpectClean(com);
 }

@@ -1,0 +1,132 @@
+// One pass over the library as a host uses it: every flat class initialised, opened, queried,
+// closed and freed, and every exported class constructed and asked each of its getters. The
+// soak repeats it to see whether anything grows; the COM check runs it on every kind of thread.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "components/bios_wmi.h"
+#include "firmware/hardware_config.h"
+#include "firmware/smbios_helper.h"
+#include "firmware/system_info.h"
+#include "hal/battery.h"
+#include "hal/cpu.h"
+#include "hal/disk.h"
+#include "hal/hal_api.h"
+#include "hal/memory.h"
+#include "platform/device_classes.h"
+#include "platform/device_informention.h"
+#include "platform/read_reg.h"
+#include "platform/service_helpers.h"
+
+namespace velhal::robustness {
+
+// Each step is one public call (or a short sequence a host makes together); after_each runs
+// between steps.
+template <class AfterEach>
+void ExerciseLibrary(AfterEach&& after_each) {
+  const auto step = [&](auto&& call) {
+    call();
+    after_each();
+  };
+  uint8_t buffer[520];
+  uint32_t returned = 0;
+  for (uint32_t device_class : {HAL_CLASS_PROCESSOR, HAL_CLASS_AUDIO_ENDPOINTS, HAL_CLASS_GRAPHICS,
+                                HAL_CLASS_DISK, HAL_CLASS_BATTERY, HAL_CLASS_MEMORY,
+                                HAL_CLASS_DISPLAY}) {
+    step([&] {
+      HalDeviceList* list = nullptr;
+      if (!HalInit(device_class, &list) || list == nullptr) return;
+      for (uint32_t info = 0; info < 30; ++info) {
+        HalQueryInformation(device_class, device_class == HAL_CLASS_GRAPHICS ? static_cast<void*>(list)
+                                                                             : &list->entries[0],
+                            info, buffer, sizeof(buffer), &returned);
+      }
+      if (device_class == HAL_CLASS_DISK) {
+        HalDeviceEntry* entry = &list->entries[0];
+        HalOpenDevice(device_class, entry);
+        HalQueryInformation(device_class, entry, HAL_DISK_INFO_SIZE_MIB, buffer, 8, &returned);
+        HalCloseDevice(device_class, entry);
+      }
+      std::free(list);
+    });
+  }
+  step([&] { HalCloseDevice(HAL_CLASS_AUDIO_ENDPOINTS, nullptr); });
+  step([&] {
+    for (uint32_t info = 0; info < 20; ++info) {
+      CpuQueryInformation(info, buffer, sizeof(buffer), &returned);
+    }
+  });
+  step([&] {
+    for (uint32_t info = 0; info < 11; ++info) BtQueryInformation(info, buffer, sizeof(buffer), &returned);
+  });
+  step([&] { IsTypeDetachablePC(); });
+  step([&] {
+    Cpu cpu;
+    cpu.GetCpuName();
+    cpu.GetCpuManufacturer();
+    cpu.GetCpuMaxClock();
+    cpu.GetL2CacheSize();
+    cpu.GetCputype();
+  });
+  step([&] {
+    Memory memory;
+    uint32_t count = 0;
+    uint64_t total = 0;
+    std::wstring text;
+    memory.GetMemoryNums(count);
+    memory.GetTotalMemoryNums(total);
+    memory.GetLocatorbyIndex(text, 0);
+    memory.GetMemoryLoad();
+  });
+  step([&] {
+    Battery battery;
+    battery.CheckBattery();
+    battery.AcLine();
+    battery.GetBatteryName();
+    battery.GetBatteryPercent();
+  });
+  step([&] {
+    Disk disk;
+    disk.GetPhysicDiskNumbers();
+    disk.GetAllTotalCapacity();
+    disk.GetCaption(0);
+    bool ssd = false;
+    disk.JudgeSSd(0, ssd);
+  });
+  step([&] {
+    const SmBiosHelper* helper = SmBiosHelper::GetInstance();
+    helper->GetBIOSVendor();
+    helper->GetSysProductName();
+    helper->IsUnsupportWifiAndBT();
+  });
+  step([&] {
+    std::vector<std::string> vendors;
+    HardwareConfig::GetInstance().GetAudioVendor(vendors);
+  });
+  step([&] {
+    SystemInfo info;
+    info.GetDeviceSerialNumber();
+  });
+  step([&] {
+    std::wstring name;
+    ReadReg::ReadLocalMachineRegRZ(L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0",
+                                   L"ProcessorNameString", name);
+  });
+  step([&] {
+    DeviceInformention devices;
+    devices.GetDeviceHardwareId(velhal::device_class::kDisplay);
+    devices.GetUnknownDeviceHardId();
+  });
+  step([&] { IsServiceRunning(L"Spooler"); });
+  step([&] {
+    unsigned char first = 0, second = 0;
+    VelSDK::BiosWmi::GetBatteryChargeThreshold(first, second);
+  });
+}
+
+}  // namespace velhal::robustness

@@ -1,0 +1,26 @@
+// The running machine's sections (Windows only), each built by one function through the
+// library's public interface; live.cpp lists them in report order. See node.h to add one.
+#pragma once
+
+#include <optional>
+
+#include "tools/halinfo/node.h"
+
+namespace halinfo {
+
+Node LibrarySection();
+Node WindowsSection();
+Node ProcessorSection();
+Node MemorySection();
+Node DisksSection();
+Node BatterySection();
+Node FirmwareSection();
+Node DevicesSection();
+
+// A reading of 0 means "not reported" for the library's numeric getters.
+template <class T>
+std::optional<T> Reported(T value) {
+  return value != 0 ? std::optional<T>(value) : std::nullopt;
+}
+
+}  // namespace halinfo
