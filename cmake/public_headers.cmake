@@ -12,7 +12,12 @@ set(VELHAL_PUBLIC_HEADERS
   firmware/smbios_helper.h
   firmware/system_info.h
   components/bios_wmi.h
+  components/audio_card.h
+  components/biometric.h
   drivers/device_driver_type.h
+  drivers/device_driver.h
+  network/network_adapter.h
+  network/network_card.h
   platform/device_informention.h
   platform/read_reg.h
   platform/service_helpers.h

@@ -16,6 +16,8 @@ Node DisksSection();
 Node BatterySection();
 Node FirmwareSection();
 Node DevicesSection();
+Node NetworkSection();
+Node DriversSection();
 
 // A reading of 0 means "not reported" for the library's numeric getters.
 template <class T>
