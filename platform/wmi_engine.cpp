@@ -3,6 +3,8 @@
 #include <oleauto.h>
 #include <wbemcli.h>
 
+#include <cwchar>
+#include <cwctype>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -110,6 +112,23 @@ thread_local SessionScope::State* t_session = nullptr;
 thread_local SessionScope::State* t_batch = nullptr;  // owned by the batch, deleted at its end
 thread_local int t_batch_depth = 0;
 
+// "SELECT Property FROM ..." as "SELECT * FROM ...", the same objects with all their
+// properties; any other text as it is. Property names in WQL are case-insensitive words.
+std::wstring WholeObjects(const std::wstring& wql) {
+  const auto word_at = [&](size_t at, const wchar_t* word) {
+    const size_t length = std::wcslen(word);
+    return wql.size() > at + length &&
+           ::CompareStringOrdinal(wql.c_str() + at, static_cast<int>(length), word,
+                                  static_cast<int>(length), TRUE) == CSTR_EQUAL &&
+           wql[at + length] == L' ';
+  };
+  if (!word_at(0, L"SELECT")) return wql;
+  size_t end = 7;
+  while (end < wql.size() && (std::iswalnum(wql[end]) || wql[end] == L'_')) ++end;
+  if (end == 7 || end >= wql.size() || wql[end] != L' ' || !word_at(end + 1, L"FROM")) return wql;
+  return L"SELECT * FROM" + wql.substr(end + 5);
+}
+
 // Walks the enumerator until it ends, the deadline passes or (first_only) one object was seen.
 HRESULT Fetch(IEnumWbemClassObject* rows, bool first_only,
               std::vector<ComPtr<IWbemClassObject>>& objects) {
@@ -158,6 +177,9 @@ struct SessionScope::State {
   ComPtr<IWbemLocator> locator;
   std::vector<std::pair<std::wstring, ComPtr<IWbemServices>>> connections;
   std::vector<Snapshot> snapshots;
+  // A batch asks for whole objects: the several properties a host reads of one object (a disk's
+  // caption, serial and firmware) then cost one query between them.
+  bool whole_objects = false;
 
   State() = default;
   State(const State&) = delete;
@@ -203,8 +225,9 @@ struct SessionScope::State {
 
   // The rows of wql, from this session's snapshot when it has them (a first-object snapshot
   // serves only first-object questions), else from WMI.
-  HRESULT Rows(const std::wstring& name_space, const std::wstring& wql, bool first_only,
+  HRESULT Rows(const std::wstring& name_space, const std::wstring& asked, bool first_only,
                const Snapshot*& rows) {
+    const std::wstring wql = whole_objects ? WholeObjects(asked) : asked;
     for (auto kept = snapshots.begin(); kept != snapshots.end(); ++kept) {
       if (kept->wql != wql || !SameNamespace(kept->name_space, name_space)) continue;
       if (kept->complete || first_only) {
@@ -251,6 +274,7 @@ SessionScope::~SessionScope() {
 void BeginBatch() {
   if (t_batch_depth == 0 && t_session == nullptr) {
     t_batch = new SessionScope::State();  // may throw: then no batch was begun
+    t_batch->whole_objects = true;
     t_session = t_batch;
   }
   ++t_batch_depth;

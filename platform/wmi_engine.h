@@ -10,7 +10,8 @@
 // and an identical WQL text in the same namespace is answered from the rows the session already
 // holds instead of asking WMI again. A SessionScope is a session on the stack of one public
 // call; a batch (BeginBatch/EndBatch, the flat HalBeginBatch/HalEndBatch) is one a host holds
-// open across calls on its thread, nesting counted. Outside both, each query connects for
+// open across calls on its thread, nesting counted, and asks for whole objects ("SELECT X FROM
+// ..." as "SELECT * FROM ..."), so that the properties of one object cost one query. Outside both, each query connects for
 // itself. No COM pointer outlives its session; the host ends a batch before it uninitialises
 // COM on that thread (a batch left open when the thread ends is leaked, never released late).
 //

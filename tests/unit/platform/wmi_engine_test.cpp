@@ -191,8 +191,11 @@ TEST_F(WmiEngineTest, ASessionSharesItsConnectionsAndAnswersRepeatsFromItsRows) 
 TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
   FakeCom com(FakeCom::Apartment::kNone);
   com.AddNamespace(kCimV2);
+  // In a batch, the properties of one object are read from one query for the whole object.
+  com.AddQuery(L"SELECT * FROM Win32_Processor",
+               {S_OK, {{{L"Name", FakeValue::Text(L"CPU")}, {L"Cores", FakeValue::UInt32(8)}}}});
+  com.AddQuery(L"SELECT * FROM Win32_Broken", {static_cast<HRESULT>(WBEM_E_INVALID_CLASS), {}});
   com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
-  com.AddQuery(L"SELECT Name FROM Win32_Broken", {static_cast<HRESULT>(WBEM_E_INVALID_CLASS), {}});
   Install(com);
 
   EXPECT_FALSE(velhal::wmi::EndBatch());  // no batch open
@@ -201,11 +204,14 @@ TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
   Collector out;
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(RunQuery(kCimV2, kProcessors, L"Name", false, out.callback()), S_OK);
+    EXPECT_EQ(RunQuery(kCimV2, L"select Cores from Win32_Processor", L"Cores", true,
+                       out.callback()),
+              S_OK);
     // A failed query is answered from the batch too, with its own code.
     EXPECT_EQ(RunQuery(kCimV2, L"SELECT Name FROM Win32_Broken", L"Name", false, out.callback()),
               static_cast<HRESULT>(WBEM_E_INVALID_CLASS));
   }
-  EXPECT_EQ(out.values, (std::vector<std::wstring>{L"CPU", L"CPU", L"CPU"}));
+  EXPECT_EQ(out.values, (std::vector<std::wstring>{L"CPU", L"8", L"CPU", L"8", L"CPU", L"8"}));
   EXPECT_EQ(com.connections, 1);
   EXPECT_EQ(com.exec_flags.size(), 2u);
   EXPECT_TRUE(velhal::wmi::EndBatch());
@@ -217,7 +223,7 @@ TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
   EXPECT_EQ(com.uninitialize_calls, 1);
   EXPECT_FALSE(velhal::wmi::EndBatch());
 
-  // After the batch, each query asks WMI again.
+  // After the batch, each query asks WMI again, as it is written.
   RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
   EXPECT_EQ(com.exec_flags.size(), 3u);
   backend_.reset();
