@@ -17,12 +17,11 @@
 namespace velhal::testing {
 
 struct WalkedDevice {
-  std::optional<std::wstring> first_id;        // DEVPKEY_Device_HardwareIds, first string
-  std::optional<std::wstring> description;     // DEVPKEY_Device_DeviceDesc
-  std::optional<std::wstring> driver_version;  // DEVPKEY_Device_DriverVersion
-  std::optional<uint32_t> problem_code;        // DEVPKEY_Device_ProblemCode
-  std::vector<std::wstring> registry_ids;      // SPDRP_HARDWAREID, every string
-  bool has_class = false;                      // DEVPKEY_Device_Class readable as a GUID
+  std::optional<std::wstring> first_id;     // DEVPKEY_Device_HardwareIds, first string
+  std::optional<std::wstring> description;  // DEVPKEY_Device_DeviceDesc
+  std::optional<uint32_t> problem_code;     // DEVPKEY_Device_ProblemCode
+  std::vector<std::wstring> registry_ids;   // SPDRP_HARDWAREID, every string
+  bool has_class = false;                   // DEVPKEY_Device_Class readable as a GUID
   DWORD class_error = 0;
 };
 
@@ -61,7 +60,6 @@ inline std::vector<WalkedDevice> WalkDevices(const GUID* class_guid, DWORD flags
     WalkedDevice d;
     d.first_id = ReadDeviceText(set, device, DEVPKEY_Device_HardwareIds);
     d.description = ReadDeviceText(set, device, DEVPKEY_Device_DeviceDesc);
-    d.driver_version = ReadDeviceText(set, device, DEVPKEY_Device_DriverVersion);
     d.registry_ids = ReadRegistryIds(set, device);
     DEVPROPTYPE type = 0;
     uint32_t problem = 0;

@@ -91,65 +91,31 @@ TEST(NetworkBackendTest, GatewayIsThatOfTheAdapterTheWirelessCardNames) {
   EXPECT_EQ(gateway, expected);
 }
 
-using OpenHandleFn = decltype(&::WlanOpenHandle);
-using EnumInterfacesFn = decltype(&::WlanEnumInterfaces);
-using QueryInterfaceFn = decltype(&::WlanQueryInterface);
-using FreeMemoryFn = decltype(&::WlanFreeMemory);
-using CloseHandleFn = decltype(&::WlanCloseHandle);
-
-template <class Function>
-Function Lookup(HMODULE module, const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
-}
-
 // The software radio state of the first interface, or 0 when there is none to ask.
 unsigned char ReadRadio() {
-  const HMODULE wlanapi = ::LoadLibraryW(L"wlanapi.dll");
-  if (wlanapi == nullptr) return 0;
-  const auto open = Lookup<OpenHandleFn>(wlanapi, "WlanOpenHandle");
-  const auto enumerate = Lookup<EnumInterfacesFn>(wlanapi, "WlanEnumInterfaces");
-  const auto query = Lookup<QueryInterfaceFn>(wlanapi, "WlanQueryInterface");
-  const auto free_memory = Lookup<FreeMemoryFn>(wlanapi, "WlanFreeMemory");
-  const auto close = Lookup<CloseHandleFn>(wlanapi, "WlanCloseHandle");
   unsigned char state = 0;
   DWORD version = 0;
   HANDLE client = nullptr;
   WLAN_INTERFACE_INFO_LIST* list = nullptr;
-  if (open(2, nullptr, &version, &client) == ERROR_SUCCESS &&
-      enumerate(client, nullptr, &list) == ERROR_SUCCESS && list->dwNumberOfItems > 0) {
-    DWORD data_size = 0;
+  if (::WlanOpenHandle(2, nullptr, &version, &client) == ERROR_SUCCESS &&
+      ::WlanEnumInterfaces(client, nullptr, &list) == ERROR_SUCCESS && list->dwNumberOfItems > 0) {
+    DWORD size = 0;
     void* data = nullptr;
-    if (query(client, &list->InterfaceInfo[0].InterfaceGuid, wlan_intf_opcode_radio_state, nullptr,
-              &data_size, &data, nullptr) == ERROR_SUCCESS) {
+    if (::WlanQueryInterface(client, &list->InterfaceInfo[0].InterfaceGuid,
+                             wlan_intf_opcode_radio_state, nullptr, &size, &data,
+                             nullptr) == ERROR_SUCCESS) {
       state = static_cast<unsigned char>(
           static_cast<WLAN_RADIO_STATE*>(data)->PhyRadioState[0].dot11SoftwareRadioState);
-      free_memory(data);
+      ::WlanFreeMemory(data);
     }
   }
-  if (list != nullptr) free_memory(list);
-  if (client != nullptr) close(client, nullptr);
-  ::FreeLibrary(wlanapi);
+  if (list != nullptr) ::WlanFreeMemory(list);
+  if (client != nullptr) ::WlanCloseHandle(client, nullptr);
   return state;
 }
 
 TEST(NetworkBackendTest, RadioStateAgreesWithTheWlanService) {
   EXPECT_EQ(NetworkAdapter().GetWifiSwitchState(), ReadRadio());
-}
-
-TEST(NetworkBackendTest, CandidatesAreTheNetworkClassesPciAndQcmsDevices) {
-  std::vector<std::wstring> pci, pci_or_qcms;
-  for (const auto& device :
-       velhal::testing::WalkDevices(&velhal::device_class::kNet, DIGCF_PRESENT)) {
-    const std::wstring id = device.first_id.value_or(L"");
-    if (id.rfind(L"PCI", 0) == 0) pci.push_back(id);
-    if (id.rfind(L"PCI", 0) == 0 || id.rfind(L"QCMS", 0) == 0) pci_or_qcms.push_back(id);
-  }
-  NetworkCard cards;
-  const std::vector<std::wstring> candidates = cards.GetInternalNetCardHardId();
-  EXPECT_TRUE(candidates == pci_or_qcms || candidates == pci);  // a Snapdragon drops QCMS
-  if (pci_or_qcms.empty()) {
-    EXPECT_EQ(cards.GetWireLessCardHardId(), L"");
-  }
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ const std::wstring kUsbWifi = L"USB\\VID_0BDA&PID_C811";
 
 class NetworkCardTest : public ::testing::Test {
  protected:
-  // Neutral descriptions leave the classification to the later rules.
+  // Not a Snapdragon: QCMS cards are candidates too.
   void SetUp() override { net_.Processor(L"Intel(R) Core(TM) i7-1165G7"); }
 
   unsigned long Medium(const std::wstring& hard_id) {
