@@ -16,7 +16,12 @@ set(VELHAL_PUBLIC_HEADERS
   components/bios_fun.h
   components/hot_interface.h
   components/touch_screen.h
+  components/audio_card.h
+  components/biometric.h
   drivers/device_driver_type.h
+  drivers/device_driver.h
+  network/network_adapter.h
+  network/network_card.h
   platform/device_informention.h
   platform/read_reg.h
   platform/service_helpers.h

@@ -22,6 +22,12 @@ class RealDeviceDatabase final : public DeviceDatabase {
   BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) override {
     return ::SetupDiDestroyDeviceInfoList(set);
   }
+  BOOL SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD property,
+                                         DWORD* type, BYTE* buffer, DWORD buffer_size,
+                                         DWORD* required_size) override {
+    return ::SetupDiGetDeviceRegistryPropertyW(set, device, property, type, buffer, buffer_size,
+                                               required_size);
+  }
   BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
                                    const GUID* interface_class, DWORD index,
                                    SP_DEVICE_INTERFACE_DATA* interface_data) override {
@@ -72,11 +78,12 @@ class RealDeviceDatabase final : public DeviceDatabase {
                                   void* reserved) override {
     return ::SetupDiGetClassDevsExW(class_guid, enumerator, parent, flags, set, machine, reserved);
   }
-  BOOL SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD property,
-                                         DWORD* type, BYTE* buffer, DWORD buffer_size,
-                                         DWORD* required_size) override {
-    return ::SetupDiGetDeviceRegistryPropertyW(set, device, property, type, buffer, buffer_size,
-                                               required_size);
+  CONFIGRET CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id, ULONG flags) override {
+    // The system's declaration takes a non-const ID it never writes.
+    return ::CM_Locate_DevNodeW(device, const_cast<wchar_t*>(instance_id), flags);
+  }
+  CONFIGRET CM_Reenumerate_DevNode(DEVINST device, ULONG flags) override {
+    return ::CM_Reenumerate_DevNode(device, flags);
   }
 };
 

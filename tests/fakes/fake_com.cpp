@@ -246,6 +246,33 @@ FakeCom::Query* FakeCom::FindClass(const std::wstring& name) {
   return nullptr;
 }
 
+namespace {
+
+ULONG ReferencesOf(IUnknown* object) {
+  object->AddRef();
+  return object->Release();
+}
+
+}  // namespace
+
+void FakeCom::SetHostApartment(Apartment apartment) {
+  apartment_ = apartment;
+  host_inits_ = apartment == Apartment::kNone ? 0 : 1;
+  init_count_ = host_inits_;
+}
+
+void FakeCom::RegisterClassObject(const CLSID& clsid, IUnknown* object) {
+  registered_.push_back({clsid, object, ReferencesOf(object)});
+}
+
+ULONG FakeCom::RegisteredReferencesHeld() const {
+  ULONG held = 0;
+  for (const Registered& entry : registered_) {
+    held += ReferencesOf(entry.object) - entry.own_references;
+  }
+  return held;
+}
+
 HRESULT FakeCom::CoGetApartmentType(APTTYPE* type, APTTYPEQUALIFIER* qualifier) {
   if (type == nullptr || qualifier == nullptr) return E_INVALIDARG;
   if (apartment_query_fails_) return E_FAIL;
@@ -267,6 +294,10 @@ HRESULT FakeCom::CoInitializeEx(void*, DWORD model) {
   return first ? S_OK : S_FALSE;
 }
 
+HRESULT FakeCom::CoInitialize(void* reserved) {
+  return CoInitializeEx(reserved, COINIT_APARTMENTTHREADED);
+}
+
 void FakeCom::CoUninitialize() {
   ++uninitialize_calls;
   if (init_count_ <= host_inits_) {
@@ -274,18 +305,25 @@ void FakeCom::CoUninitialize() {
     return;
   }
   if (--init_count_ == 0) {
-    if (live_objects != 0) violations.push_back("COM objects alive at CoUninitialize");
+    if (live_objects != 0 || RegisteredReferencesHeld() != 0) {
+      violations.push_back("COM objects alive at CoUninitialize");
+    }
     apartment_ = Apartment::kNone;
   }
 }
 
-HRESULT FakeCom::CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD, REFIID iid,
+HRESULT FakeCom::CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                                   void** object) {
   RequireApartment("CoCreateInstance");
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
   if (FAILED(create_result)) return create_result;
+  for (const Registered& entry : registered_) {
+    if (entry.clsid != clsid) continue;
+    create_contexts.push_back(context);
+    return entry.object->QueryInterface(iid, object);
+  }
   if (clsid != CLSID_WbemLocator) return REGDB_E_CLASSNOTREG;
   if (iid != IID_IWbemLocator) return E_NOINTERFACE;
   ++locators_created;

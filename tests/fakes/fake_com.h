@@ -2,7 +2,9 @@
 // whose services, enumerators and objects serve scripted rows (of queries, or the instances of a
 // class) and take changed instances back. Every object counts its references; the fake notes a
 // leak, a release too many, a call outside an apartment and an object still alive when the
-// thread's COM is uninitialised.
+// thread's COM is uninitialised. Other classes are objects a test
+// registers by CLSID (a Counted fake of the class's interface): CoCreateInstance hands out a
+// reference to it, and a reference still held when COM is uninitialised is noted as well.
 #pragma once
 
 #include "platform/win32.h"
@@ -44,6 +46,12 @@ class FakeCom final : public os::Com {
     return classes_.at(name).rows.at(index);
   }
   void FailInitialize(HRESULT result) { init_failure_ = result; }
+  // The thread's apartment as the host left it (none: the library's own initialisation counts).
+  void SetHostApartment(Apartment apartment);
+  // CoCreateInstance of clsid answers object's interfaces; the test keeps the object alive.
+  void RegisterClassObject(const CLSID& clsid, IUnknown* object);
+  // References the library still holds on registered objects.
+  ULONG RegisteredReferencesHeld() const;
   void FailApartmentQuery() { apartment_query_fails_ = true; }
 
   // What happened.
@@ -72,11 +80,13 @@ class FakeCom final : public os::Com {
   HRESULT create_result = S_OK;    // a failure here fails CoCreateInstance
   HRESULT put_result = S_OK;
   HRESULT put_instance_result = S_OK;
+  std::vector<DWORD> create_contexts;  // of CoCreateInstance for registered classes
   int live_objects = 0;
   std::vector<std::string> violations;  // must stay empty
 
   HRESULT CoGetApartmentType(APTTYPE* type, APTTYPEQUALIFIER* qualifier) override;
   HRESULT CoInitializeEx(void* reserved, DWORD model) override;
+  HRESULT CoInitialize(void* reserved) override;
   void CoUninitialize() override;
   HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                            void** object) override;
@@ -100,6 +110,12 @@ class FakeCom final : public os::Com {
   std::vector<std::wstring> namespaces_;
   std::map<std::wstring, Query> queries_;
   std::map<std::wstring, Query> classes_;
+  struct Registered {
+    CLSID clsid;
+    IUnknown* object;
+    ULONG own_references;  // the test's, when it registered the object
+  };
+  std::vector<Registered> registered_;
 };
 
 }  // namespace velhal::testing

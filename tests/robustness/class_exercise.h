@@ -14,6 +14,7 @@
 #include "components/bios_wmi.h"
 #include "components/hot_interface.h"
 #include "components/touch_screen.h"
+#include "drivers/device_driver.h"
 #include "firmware/hardware_config.h"
 #include "firmware/smbios_helper.h"
 #include "firmware/system_info.h"
@@ -22,6 +23,8 @@
 #include "hal/disk.h"
 #include "hal/hal_api.h"
 #include "hal/memory.h"
+#include "network/network_adapter.h"
+#include "network/network_card.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
 #include "platform/read_reg.h"
@@ -127,6 +130,30 @@ void ExerciseLibrary(AfterEach&& after_each) {
     devices.GetUnknownDeviceHardId();
   });
   step([&] { IsServiceRunning(L"Spooler"); });
+  step([&] {
+    NetworkCard cards;
+    cards.GetInternalNetCardHardId();
+    cards.GetAllWireLessHardId();
+    cards.GetMacAddress(NetworkCardType_Wired);
+    cards.GetProblemCode(NetworkCardType_Wireless);
+  });
+  // Not IsInternetAvailable: it enters and leaves an apartment of its own by contract, which
+  // leaves a multithreaded host apartment one count short.
+  step([&] {
+    NetworkAdapter adapter;
+    adapter.GetWifiSwitchState();
+    adapter.GetWifiManuType();
+    std::string gateway;
+    adapter.GetWirelessGateWayIP(gateway);
+  });
+  step([&] {
+    DeviceDriver driver;
+    driver.GetUnkownHardId();
+    driver.GetDeviceDriverErrorCode(L"PCI\\VEN_0000&DEV_0000", DriverType_DisplayAdapter);
+    for (unsigned int type = 0; type < 10; ++type) {
+      GetDeviceDriverVersion(static_cast<DeviceDriverType>(type));
+    }
+  });
   step([&] {
     unsigned char first = 0, second = 0;
     VelSDK::BiosWmi::GetBatteryChargeThreshold(first, second);

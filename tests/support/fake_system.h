@@ -19,10 +19,12 @@
 #include "tests/fakes/fake_device_database.h"
 #include "tests/fakes/fake_device_io.h"
 #include "tests/fakes/fake_firmware_table.h"
+#include "tests/fakes/fake_ip_helper.h"
 #include "tests/fakes/fake_module.h"
 #include "tests/fakes/fake_power.h"
 #include "tests/fakes/fake_service_control.h"
 #include "tests/fakes/fake_system_info.h"
+#include "tests/fakes/fake_wlan.h"
 #include "tests/fakes/fake_wmi.h"
 #include "tests/fakes/scratch_registry.h"
 
@@ -49,6 +51,8 @@ class FakeSystem {
   FakeAudio audio;
   FakeCom com{FakeCom::Apartment::kMta};  // the host's apartment
   FakeConsoleOutput console;
+  FakeWlan wlan;
+  FakeIpHelper ip_helper;
 
  private:
   template <class Facility>
@@ -67,6 +71,8 @@ class FakeSystem {
   Guard<os::Audio> audio_guard_{audio};
   Guard<os::Com> com_guard_{com};
   Guard<os::ConsoleOutput> console_guard_{console};
+  Guard<os::Wlan> wlan_guard_{wlan};
+  Guard<os::IpHelper> ip_helper_guard_{ip_helper};
 };
 
 }  // namespace velhal::testing

@@ -33,7 +33,9 @@ constexpr Section kSections[] = {
     {FirmwareSection},
     {SensorsSection},
     {TouchScreenSection},
+    {NetworkSection},
     {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
+    {DriversSection, Shown::kWithDevicesOption},
 };
 
 // VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words

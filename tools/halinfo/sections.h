@@ -18,6 +18,8 @@ Node FirmwareSection();
 Node SensorsSection();
 Node TouchScreenSection();
 Node DevicesSection();
+Node NetworkSection();
+Node DriversSection();
 
 // A reading of 0 means "not reported" for the library's numeric getters.
 template <class T>
