@@ -44,9 +44,8 @@ run_tests() {
   for phase in nodisplay display; do
     file=$build_dir/junit-$phase.xml
     rm -f "$file"
-    # The list is read whole: grep -q stopping at the first match would leave ctest writing
-    # into a closed pipe, and pipefail would take that as "no display test".
-    if [[ $phase == display ]] && ! grep -q 'Test *#' <<<"$(ctest --preset "$preset" -N -L display)"; then
+    # grep reads to the end: with -q, ctest could die of SIGPIPE and the phase be skipped.
+    if [[ $phase == display ]] && ! ctest --preset "$preset" -N -L display | grep 'Test *#' >/dev/null; then
       continue  # no test needs a display
     fi
     ctest_session "$phase" "$file" || rc=1

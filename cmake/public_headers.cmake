@@ -12,8 +12,17 @@ set(VELHAL_PUBLIC_HEADERS
   firmware/smbios_helper.h
   firmware/system_info.h
   components/bios_wmi.h
+  components/baseboard.h
+  components/bios_fun.h
+  components/hot_interface.h
+  components/touch_screen.h
+  components/audio_card.h
+  components/biometric.h
   components/video_card.h
   drivers/device_driver_type.h
+  drivers/device_driver.h
+  network/network_adapter.h
+  network/network_card.h
   platform/device_informention.h
   platform/read_reg.h
   platform/service_helpers.h

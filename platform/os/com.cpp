@@ -12,6 +12,7 @@ class RealCom final : public Com {
   HRESULT CoInitializeEx(void* reserved, DWORD model) override {
     return ::CoInitializeEx(reserved, model);
   }
+  HRESULT CoInitialize(void* reserved) override { return ::CoInitialize(reserved); }
   void CoUninitialize() override { ::CoUninitialize(); }
   HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                            void** object) override {

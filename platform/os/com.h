@@ -14,6 +14,7 @@ class Com {
  public:
   virtual HRESULT CoGetApartmentType(APTTYPE* type, APTTYPEQUALIFIER* qualifier) = 0;
   virtual HRESULT CoInitializeEx(void* reserved, DWORD model) = 0;
+  virtual HRESULT CoInitialize(void* reserved) = 0;  // a single-threaded apartment
   virtual void CoUninitialize() = 0;
   virtual HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid,
                                    void** object) = 0;

@@ -22,6 +22,12 @@ class RealDeviceDatabase final : public DeviceDatabase {
   BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) override {
     return ::SetupDiDestroyDeviceInfoList(set);
   }
+  BOOL SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD property,
+                                         DWORD* type, BYTE* buffer, DWORD buffer_size,
+                                         DWORD* required_size) override {
+    return ::SetupDiGetDeviceRegistryPropertyW(set, device, property, type, buffer, buffer_size,
+                                               required_size);
+  }
   BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
                                    const GUID* interface_class, DWORD index,
                                    SP_DEVICE_INTERFACE_DATA* interface_data) override {
@@ -60,6 +66,24 @@ class RealDeviceDatabase final : public DeviceDatabase {
   CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
                                  HMACHINE machine) override {
     return ::CM_Get_Device_ID_ExW(device, buffer, length, flags, machine);
+  }
+  BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids, DWORD guids_size,
+                                    DWORD* required_size, const wchar_t* machine,
+                                    void* reserved) override {
+    return ::SetupDiClassGuidsFromNameExW(class_name, guids, guids_size, required_size, machine,
+                                          reserved);
+  }
+  HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
+                                  DWORD flags, HDEVINFO set, const wchar_t* machine,
+                                  void* reserved) override {
+    return ::SetupDiGetClassDevsExW(class_guid, enumerator, parent, flags, set, machine, reserved);
+  }
+  CONFIGRET CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id, ULONG flags) override {
+    // The system's declaration takes a non-const ID it never writes.
+    return ::CM_Locate_DevNodeW(device, const_cast<wchar_t*>(instance_id), flags);
+  }
+  CONFIGRET CM_Reenumerate_DevNode(DEVINST device, ULONG flags) override {
+    return ::CM_Reenumerate_DevNode(device, flags);
   }
 };
 

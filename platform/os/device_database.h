@@ -23,6 +23,9 @@ class DeviceDatabase {
                                          const DEVPROPKEY* key, DEVPROPTYPE* type, BYTE* buffer,
                                          DWORD buffer_size, DWORD* required_size, DWORD flags) = 0;
   virtual BOOL SetupDiDestroyDeviceInfoList(HDEVINFO set) = 0;
+  virtual BOOL SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                                 DWORD property, DWORD* type, BYTE* buffer,
+                                                 DWORD buffer_size, DWORD* required_size) = 0;
   virtual BOOL SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
                                            const GUID* interface_class, DWORD index,
                                            SP_DEVICE_INTERFACE_DATA* interface_data) = 0;
@@ -44,6 +47,15 @@ class DeviceDatabase {
                                           ULONG flags) = 0;
   virtual CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
                                          HMACHINE machine) = 0;
+  virtual BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids,
+                                            DWORD guids_size, DWORD* required_size,
+                                            const wchar_t* machine, void* reserved) = 0;
+  virtual HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator,
+                                          HWND parent, DWORD flags, HDEVINFO set,
+                                          const wchar_t* machine, void* reserved) = 0;
+  virtual CONFIGRET CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id,
+                                       ULONG flags) = 0;
+  virtual CONFIGRET CM_Reenumerate_DevNode(DEVINST device, ULONG flags) = 0;
 
   static DeviceDatabase& Real() noexcept;
 

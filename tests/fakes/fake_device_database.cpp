@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/device_informention.h"
 #include "platform/device_property_keys.h"
 #include "tests/fakes/fake_common.h"
 
@@ -27,6 +28,12 @@ std::vector<BYTE> Utf16(const std::vector<std::wstring>& texts, bool list) {
 }  // namespace
 
 FakeDevice& FakeDevice::Set(const DEVPROPKEY& key, DEVPROPTYPE type, std::vector<BYTE> bytes) {
+  for (auto& [k, property] : properties) {
+    if (SameKey(k, key)) {
+      property = {type, std::move(bytes)};
+      return *this;
+    }
+  }
   properties.emplace_back(key, Property{type, std::move(bytes)});
   return *this;
 }
@@ -159,6 +166,25 @@ BOOL FakeDeviceDatabase::SetupDiDestroyDeviceInfoList(HDEVINFO set) {
   return TRUE;
 }
 
+BOOL FakeDeviceDatabase::SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVINFO_DATA* device,
+                                                           DWORD property, DWORD* type,
+                                                           BYTE* buffer, DWORD buffer_size,
+                                                           DWORD* required_size) {
+  if (Members(set) == nullptr) return Fail(ERROR_INVALID_HANDLE);
+  const FakeDevice* owner = DeviceOf(set, device);
+  if (owner == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (buffer == nullptr && buffer_size != 0) return Fail(ERROR_INVALID_USER_BUFFER);
+  if (owner->registry_read_error != 0) return Fail(owner->registry_read_error);
+  const FakeDevice::Property* ids = owner->Find(device_keys::kHardwareIds);
+  if (property != SPDRP_HARDWAREID || ids == nullptr) return Fail(ERROR_INVALID_DATA);
+  const DWORD needed = static_cast<DWORD>(ids->bytes.size());
+  if (type != nullptr) *type = REG_MULTI_SZ;
+  if (required_size != nullptr) *required_size = needed;
+  if (buffer_size < needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
+  std::copy(ids->bytes.begin(), ids->bytes.end(), buffer);
+  return TRUE;
+}
+
 // Interfaces are addressed by Reserved = (device index << 16 | interface index) + 1.
 BOOL FakeDeviceDatabase::SetupDiEnumDeviceInterfaces(HDEVINFO set, SP_DEVINFO_DATA* device,
                                                      const GUID* interface_class, DWORD index,
@@ -233,20 +259,29 @@ BOOL FakeDeviceDatabase::SetupDiSetClassInstallParamsW(HDEVINFO set, SP_DEVINFO_
                                                        SP_CLASSINSTALL_HEADER* params,
                                                        DWORD size) {
   if (DeviceOf(set, device) == nullptr) return Fail(ERROR_INVALID_PARAMETER);
-  if (params == nullptr || params->cbSize != sizeof(SP_CLASSINSTALL_HEADER) ||
-      size != sizeof(SP_REMOVEDEVICE_PARAMS)) {
+  if (params == nullptr || params->cbSize != sizeof(SP_CLASSINSTALL_HEADER)) {
     return Fail(ERROR_INVALID_USER_BUFFER);
   }
-  SP_REMOVEDEVICE_PARAMS copy;
-  std::memcpy(&copy, params, sizeof(copy));
-  install_params.push_back(copy);
-  return TRUE;
+  if (params->InstallFunction == DIF_REMOVE && size == sizeof(SP_REMOVEDEVICE_PARAMS)) {
+    install_params.push_back(*reinterpret_cast<const SP_REMOVEDEVICE_PARAMS*>(params));
+    return TRUE;
+  }
+  if (params->InstallFunction == DIF_PROPERTYCHANGE && size == sizeof(SP_PROPCHANGE_PARAMS)) {
+    change_params.push_back(*reinterpret_cast<const SP_PROPCHANGE_PARAMS*>(params));
+    return TRUE;
+  }
+  return Fail(ERROR_INVALID_USER_BUFFER);
 }
 
 BOOL FakeDeviceDatabase::SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO set,
                                                    SP_DEVINFO_DATA* device) {
   FakeDevice* target = DeviceOf(set, device);
   if (target == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+  if (function == DIF_PROPERTYCHANGE && !change_params.empty()) {
+    if (target->change_error != 0) return Fail(target->change_error);
+    target->state_change = change_params.back().StateChange;
+    return TRUE;
+  }
   if (function != DIF_REMOVE || install_params.empty()) return Fail(ERROR_DI_DO_DEFAULT);
   if (target->remove_error != 0) return Fail(target->remove_error);
   target->present = false;
@@ -283,6 +318,57 @@ CONFIGRET FakeDeviceDatabase::CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buff
   if (id.size() >= length) return CR_BUFFER_SMALL;
   std::copy(id.begin(), id.end(), buffer);
   buffer[id.size()] = L'\0';
+  return CR_SUCCESS;
+}
+
+BOOL FakeDeviceDatabase::SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids,
+                                                      DWORD guids_size, DWORD* required_size,
+                                                      const wchar_t* machine, void*) {
+  if (class_name == nullptr || required_size == nullptr || machine != nullptr) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  class_names_asked.emplace_back(class_name);
+  *required_size = 0;
+  for (const auto& [name, guid] : class_names) {
+    if (!EqualsIgnoringCase(name, class_name)) continue;
+    *required_size = 1;
+    if (guids == nullptr || guids_size < 1) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    guids[0] = guid;
+  }
+  return TRUE;  // an unknown name is no error: no GUID
+}
+
+HDEVINFO FakeDeviceDatabase::SetupDiGetClassDevsExW(const GUID* class_guid,
+                                                    const wchar_t* enumerator, HWND parent,
+                                                    DWORD flags, HDEVINFO set,
+                                                    const wchar_t* machine, void*) {
+  if (set != nullptr || machine != nullptr) {
+    ::SetLastError(ERROR_INVALID_PARAMETER);
+    return INVALID_HANDLE_VALUE;
+  }
+  return SetupDiGetClassDevsW(class_guid, enumerator, parent, flags);
+}
+
+CONFIGRET FakeDeviceDatabase::CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id,
+                                                 ULONG flags) {
+  if (device == nullptr) return CR_INVALID_POINTER;
+  if (instance_id != nullptr || flags != CM_LOCATE_DEVNODE_NORMAL) return CR_INVALID_DEVICE_ID;
+  if (locate_result != CR_SUCCESS) return locate_result;
+  *device = kRoot;
+  return CR_SUCCESS;
+}
+
+CONFIGRET FakeDeviceDatabase::CM_Reenumerate_DevNode(DEVINST device, ULONG flags) {
+  if (device != kRoot) return CR_INVALID_DEVNODE;
+  reenumerate_flags.push_back(flags);
+  if (reenumerate_result != CR_SUCCESS) return reenumerate_result;
+  for (FakeDevice& node : devices) {
+    const std::vector<uint32_t>& script = node.problems_after_rescan;
+    if (script.empty()) continue;
+    node.present = true;
+    node.UInt32(device_keys::kByProperty[DeviceProperty_ProblemCode],
+                script[std::min(node.rescans_seen++, script.size() - 1)]);
+  }
   return CR_SUCCESS;
 }
 

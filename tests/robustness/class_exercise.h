@@ -9,8 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "components/baseboard.h"
+#include "components/bios_fun.h"
 #include "components/bios_wmi.h"
+#include "components/hot_interface.h"
+#include "components/touch_screen.h"
 #include "components/video_card.h"
+#include "drivers/device_driver.h"
 #include "firmware/hardware_config.h"
 #include "firmware/smbios_helper.h"
 #include "firmware/system_info.h"
@@ -19,6 +24,8 @@
 #include "hal/disk.h"
 #include "hal/hal_api.h"
 #include "hal/memory.h"
+#include "network/network_adapter.h"
+#include "network/network_card.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
 #include "platform/read_reg.h"
@@ -137,9 +144,49 @@ void ExerciseLibrary(AfterEach&& after_each, bool graphics = true) {
   });
   step([&] { IsServiceRunning(L"Spooler"); });
   step([&] {
+    NetworkCard cards;
+    cards.GetInternalNetCardHardId();
+    cards.GetAllWireLessHardId();
+    cards.GetMacAddress(NetworkCardType_Wired);
+    cards.GetProblemCode(NetworkCardType_Wireless);
+  });
+  // Not IsInternetAvailable: it enters and leaves an apartment of its own by contract, which
+  // leaves a multithreaded host apartment one count short.
+  step([&] {
+    NetworkAdapter adapter;
+    adapter.GetWifiSwitchState();
+    adapter.GetWifiManuType();
+    std::string gateway;
+    adapter.GetWirelessGateWayIP(gateway);
+  });
+  step([&] {
+    DeviceDriver driver;
+    driver.GetUnkownHardId();
+    driver.GetDeviceDriverErrorCode(L"PCI\\VEN_0000&DEV_0000", DriverType_DisplayAdapter);
+    for (unsigned int type = 0; type < 10; ++type) {
+      GetDeviceDriverVersion(static_cast<DeviceDriverType>(type));
+    }
+  });
+  step([&] {
     unsigned char first = 0, second = 0;
     VelSDK::BiosWmi::GetBatteryChargeThreshold(first, second);
   });
+  // The touch switches are left out: on a machine with the vendor class they would change it.
+  step([&] {
+    HotInterface hot;
+    hot.GetSensorTemperature(0);
+    hot.GetFan0Speed();
+    hot.GetVoltageBattery0();
+    hot.GetCurrentBattery0();
+    bool on = false;
+    BiosFun().GetBiosSwitch(on, DriverType_Bluetooth);
+  });
+  step([&] {
+    Baseboard board;
+    board.GetBaseboardManufacturer();
+    board.GetBIOSSerialNumber();
+  });
+  step([&] { TouchScreen::IsTouchDeviceExist(); });
 }
 
 }  // namespace velhal::robustness

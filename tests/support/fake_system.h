@@ -14,16 +14,19 @@
 #include "platform/os/seam.h"
 #include "tests/fakes/fake_audio.h"
 #include "tests/fakes/fake_com.h"
+#include "tests/fakes/fake_console_output.h"
 #include "tests/fakes/fake_debug_output.h"
 #include "tests/fakes/fake_device_database.h"
 #include "tests/fakes/fake_device_io.h"
 #include "tests/fakes/fake_display.h"
 #include "tests/fakes/fake_firmware_table.h"
+#include "tests/fakes/fake_ip_helper.h"
 #include "tests/fakes/fake_intel_driver.h"
 #include "tests/fakes/fake_module.h"
 #include "tests/fakes/fake_power.h"
 #include "tests/fakes/fake_service_control.h"
 #include "tests/fakes/fake_system_info.h"
+#include "tests/fakes/fake_wlan.h"
 #include "tests/fakes/fake_wmi.h"
 #include "tests/fakes/scratch_registry.h"
 
@@ -49,6 +52,9 @@ class FakeSystem {
   FakeTiming timing;
   FakeAudio audio;
   FakeCom com{FakeCom::Apartment::kMta};  // the host's apartment
+  FakeConsoleOutput console;
+  FakeWlan wlan;
+  FakeIpHelper ip_helper;
   FakeDisplay display;
   FakeIntelDriver intel_driver;
 
@@ -68,6 +74,9 @@ class FakeSystem {
   Guard<os::Timing> timing_guard_{timing};
   Guard<os::Audio> audio_guard_{audio};
   Guard<os::Com> com_guard_{com};
+  Guard<os::ConsoleOutput> console_guard_{console};
+  Guard<os::Wlan> wlan_guard_{wlan};
+  Guard<os::IpHelper> ip_helper_guard_{ip_helper};
   Guard<os::Display> display_guard_{display};
   Guard<os::IntelDriver> intel_driver_guard_{intel_driver};
 };

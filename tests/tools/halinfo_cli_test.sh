@@ -18,12 +18,16 @@ check "the disks section lists disk 0" grep -q '^  Disk 0$' <<<"$out"
 check "the processor section has clocks in MHz" grep -Eq '^  current clock +([0-9]+ MHz|\?)$' <<<"$out"
 check "the memory section has its total in MiB" grep -Eq '^  total +([0-9]+ MiB|\?)$' <<<"$out"
 check "the battery section names the AC line" grep -Eq '^  AC line +(online|offline|unknown)$' <<<"$out"
+check "the sensors section reports the temperatures" grep -Eq '^  temperatures +(not available|error -?[0-9]+)$|^    zone 0 +-?[0-9]+ C$' <<<"$out"
+check "the touch screen's presence is reported" grep -Eq '^  present +(yes|no)$' <<<"$(sed -n '/^Touch screen$/,$p' <<<"$out")"
+check "the network section reports connectivity" grep -Eq '^  on the Internet +(yes|no|\?)$' <<<"$out"
 check "disk 0 has sizes in MiB and GB" grep -Ezq $'\n    size +[0-9]+ MiB\n    decimal size +[0-9]+ GB\n' <<<"$out"
 
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
-for key in processor memory disks battery smbios graphics monitors display; do
+for key in processor memory disks battery smbios network sensors touchScreen graphics monitors \
+           display; do
   check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
 done
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
@@ -36,6 +40,7 @@ check "--devices exits 0" test "$rc" -eq 0
 check "--devices lists setup classes" grep -Eq '^  [A-Za-z ,/]+ \{[0-9A-F-]{36}\}' <<<"$devices"
 json=$("$wine_run" "$halinfo" --devices --json)
 check "--devices --json has the devices array" grep -q '"devices": \[' <<<"$json"
+check "--devices --json has the drivers section" grep -q '"withoutDriver": \[' <<<"$json"
 
 table=$(dirname "$0")/../data/smbios/wine8-notebook.rsmb
 smbios=$("$wine_run" "$halinfo" --smbios-file "$table" --json | tr -d '\r'); rc=$?

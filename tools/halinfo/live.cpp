@@ -34,7 +34,11 @@ constexpr Section kSections[] = {
     {MonitorsSection},
     {DisplaySection},
     {FirmwareSection},
+    {SensorsSection},
+    {TouchScreenSection},
+    {NetworkSection},
     {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
+    {DriversSection, Shown::kWithDevicesOption},
 };
 
 // VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words

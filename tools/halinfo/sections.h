@@ -22,7 +22,11 @@ Node GraphicsSection();
 Node MonitorsSection();
 Node DisplaySection();
 Node FirmwareSection();
+Node SensorsSection();
+Node TouchScreenSection();
 Node DevicesSection();
+Node NetworkSection();
+Node DriversSection();
 
 // The name of record index of a graphics block from GpInit (graphics_section.cpp).
 std::wstring GraphicsAdapterName(const GpAdapterList* block, uint32_t index);

@@ -1,0 +1,11 @@
+#include "components/biometric.h"
+
+#include "components/class_driver_version.h"
+#include "platform/boundary.h"
+#include "platform/device_classes.h"
+
+std::wstring Biometric::GetDriverVersion() {
+  return velhal::CallGuarded(std::wstring{}, [] {
+    return velhal::components::FirstDriverVersionOfClass(velhal::device_class::kBiometric);
+  });
+}
