@@ -39,12 +39,10 @@ void FakeAdl::RemoveEntryPoint(const char* name) {
 int FakeAdl::ControlX2Create(adl::MallocCallback allocate, int enumerate, adl::Context* context,
                              int threading_model) {
   FakeAdl& self = *active_;
-  self.calls.push_back("ControlX2Create");
   self.threading = threading_model;
   if (self.create_result != adl::kOk || enumerate != 1) return self.create_result;
   self.allocate_ = allocate;
   ++self.contexts_open;
-  ++self.contexts_created;
   *context = &self;
   return adl::kOk;
 }
@@ -76,7 +74,6 @@ int FakeAdl::AdapterInfoX2(adl::Context context, adl::AdapterInfo** out) {
 int FakeAdl::DisplayInfo(adl::Context context, int adapter, int* count, adl::DisplayInfo** out,
                          int) {
   FakeAdl& self = Of(context);
-  self.calls.push_back("DisplayInfo " + std::to_string(adapter));
   for (const Adapter& candidate : self.adapters) {
     if (candidate.index != adapter) continue;
     const size_t n = candidate.displays.size();
@@ -96,17 +93,14 @@ int FakeAdl::DisplayInfo(adl::Context context, int adapter, int* count, adl::Dis
 }
 
 int FakeAdl::ColorCaps(adl::Context context, int, int, int* caps_out, int* valids_out) {
-  FakeAdl& self = Of(context);
-  self.calls.push_back("ColorCaps");
-  *caps_out = self.caps;
-  *valids_out = self.valids;
+  *caps_out = Of(context).caps;
+  *valids_out = Of(context).valids;
   return adl::kOk;
 }
 
 int FakeAdl::ColorGet(adl::Context context, int, int, int type, int* current, int* default_value,
                       int* minimum, int* maximum, int* step) {
   FakeAdl& self = Of(context);
-  self.calls.push_back("ColorGet " + std::to_string(type));
   const auto found = self.ranges.find(type);
   if (found == self.ranges.end()) return -1;
   *current = found->second.current;
@@ -119,14 +113,12 @@ int FakeAdl::ColorGet(adl::Context context, int, int, int type, int* current, in
 
 int FakeAdl::ColorSetFn(adl::Context context, int adapter, int display, int type, int value) {
   FakeAdl& self = Of(context);
-  self.calls.push_back("ColorSet " + std::to_string(type));
   self.sets.push_back({adapter, display, type, value});
   return self.set_result;
 }
 
 int FakeAdl::SourceSet(adl::Context context, int, int, int source) {
   FakeAdl& self = Of(context);
-  self.calls.push_back("SourceSet");
   self.sources.push_back(source);
   return self.source_result;
 }

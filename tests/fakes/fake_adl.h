@@ -1,6 +1,6 @@
 // The AMD display library as a test sets it: atiadlxx.dll in the fake module's system folder,
-// a table of fake entry points over the test's adapters, displays and colour ranges. Contexts
-// are counted, so a test sees one left open; every set is recorded.
+// a table of fake entry points over the test's adapters, displays and colour ranges. Open
+// contexts are counted, so a test sees one left open; every set is recorded.
 #pragma once
 
 #include "platform/win32.h"
@@ -46,9 +46,8 @@ class FakeAdl {
   std::map<int, Range> ranges;  // by colour type
   int create_result = os::adl::kOk, set_result = os::adl::kOk, source_result = os::adl::kOk;
   std::vector<ColorSet> sets;
-  std::vector<int> sources;        // temperature sources set
-  std::vector<std::string> calls;  // entry points called, in order
-  int contexts_open = 0, contexts_created = 0;
+  std::vector<int> sources;  // temperature sources set
+  int contexts_open = 0;
   int threading = -1;
 
  private:

@@ -36,7 +36,7 @@ DISPLAYCONFIG_PATH_INFO FakeDisplay::Path(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY 
 void FakeDisplay::OneScreen(const std::wstring& interface_name) {
   adapters = {{L"\\\\.\\DISPLAY1",
                DISPLAY_DEVICE_ACTIVE | DISPLAY_DEVICE_PRIMARY_DEVICE,
-               {{L"\\\\.\\DISPLAY1\\Monitor0", interface_name, L"MONITOR\\Default_Monitor"}}}};
+               {{L"\\\\.\\DISPLAY1\\Monitor0", interface_name}}}};
   desktop = {{L"\\\\.\\DISPLAY1", true}};
 }
 
@@ -57,7 +57,6 @@ BOOL FakeDisplay::EnumDisplaySettingsW(const wchar_t* device, DWORD mode_number,
 
 LONG FakeDisplay::GetDisplayConfigBufferSizes(UINT32 flags, UINT32* path_count, UINT32* modes) {
   if (flags != QDC_ONLY_ACTIVE_PATHS) return ERROR_INVALID_PARAMETER;
-  if (buffer_sizes_result != ERROR_SUCCESS) return buffer_sizes_result;
   *path_count = reported_paths.value_or(static_cast<UINT32>(paths.size()));
   *modes = mode_count;
   return ERROR_SUCCESS;
@@ -67,9 +66,7 @@ LONG FakeDisplay::QueryDisplayConfig(UINT32 flags, UINT32* path_count,
                                      DISPLAYCONFIG_PATH_INFO* path_array, UINT32* modes,
                                      DISPLAYCONFIG_MODE_INFO*,
                                      DISPLAYCONFIG_TOPOLOGY_ID* topology) {
-  ++config_queries;
   if (flags != QDC_ONLY_ACTIVE_PATHS || topology != nullptr) return ERROR_INVALID_PARAMETER;
-  if (query_result != ERROR_SUCCESS) return query_result;
   if (*path_count < paths.size() || *modes < mode_count) return ERROR_INSUFFICIENT_BUFFER;
   for (size_t i = 0; i < paths.size(); ++i) path_array[i] = paths[i];
   *path_count = static_cast<UINT32>(paths.size());
@@ -94,7 +91,7 @@ BOOL FakeDisplay::EnumDisplayDevicesW(const wchar_t* device, DWORD index, DISPLA
     CopyText(info->DeviceName, monitor.name);
     CopyText(info->DeviceString, L"Generic Monitor");
     CopyText(info->DeviceID,
-             (flags & EDD_GET_DEVICE_INTERFACE_NAME) ? monitor.interface_name : monitor.plain_id);
+             (flags & EDD_GET_DEVICE_INTERFACE_NAME) ? monitor.interface_name : std::wstring());
     info->StateFlags = monitor.flags;
     return TRUE;
   }

@@ -18,8 +18,7 @@ class FakeDisplay final : public os::Display {
  public:
   struct MonitorDevice {
     std::wstring name;            // "\\.\DISPLAY1\Monitor0"
-    std::wstring interface_name;  // DeviceID with EDD_GET_DEVICE_INTERFACE_NAME
-    std::wstring plain_id;        // DeviceID without it
+    std::wstring interface_name;  // DeviceID, asked with EDD_GET_DEVICE_INTERFACE_NAME
     DWORD flags = DISPLAY_DEVICE_ACTIVE | DISPLAY_DEVICE_ATTACHED;
   };
   struct Adapter {
@@ -35,13 +34,11 @@ class FakeDisplay final : public os::Display {
   std::map<int, int> metrics;          // GetSystemMetrics; absent indexes answer 0
   std::optional<DEVMODEW> mode;        // ENUM_CURRENT_SETTINGS; nullopt fails
   std::vector<DWORD> mode_sizes_seen;  // dmSize of every EnumDisplaySettingsW call
-  LONG buffer_sizes_result = ERROR_SUCCESS, query_result = ERROR_SUCCESS;
   std::vector<DISPLAYCONFIG_PATH_INFO> paths;
   std::optional<UINT32> reported_paths;  // overrides paths.size() in GetDisplayConfigBufferSizes
   UINT32 mode_count = 1;
   std::vector<Adapter> adapters;
   std::vector<DesktopMonitor> desktop;
-  int config_queries = 0;
 
   static DEVMODEW Mode(DWORD width, DWORD height, DWORD bits, DWORD frequency);
   static DISPLAYCONFIG_PATH_INFO Path(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY technology,

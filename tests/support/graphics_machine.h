@@ -26,20 +26,18 @@ struct ScriptedAdapter {
   std::optional<uint32_t> problem_code = std::nullopt;  // DEVPKEY_Device_ProblemCode
 };
 
-inline std::wstring ControllerQuery(const std::wstring& property, const std::wstring& name) {
-  return L"SELECT " + property + L" FROM Win32_VideoController WHERE Caption ='" + name + L"'";
-}
-
 inline void ScriptAdapters(FakeSystem& os, const std::vector<ScriptedAdapter>& adapters) {
   for (const ScriptedAdapter& a : adapters) {
     FakeDevice& device =
         os.devices.Add(device_class::kDisplay).HardwareIds({a.hardware_id}).Description(a.name);
     if (a.problem_code)
       device.UInt32(*device_keys::ForProperty(DeviceProperty_ProblemCode), *a.problem_code);
-    const auto script = [&](const wchar_t* property, std::optional<FakeValue> value) {
-      os.wmi.Script(wmi::kCimV2, ControllerQuery(property, a.name), property,
-                    value ? std::vector<FakeValue>{*value} : std::vector<FakeValue>{},
-                    value ? S_OK : static_cast<HRESULT>(0x80041002));  // WBEM_E_NOT_FOUND
+    const auto script = [&](const std::wstring& property, std::optional<FakeValue> value) {
+      os.wmi.Script(
+          wmi::kCimV2,
+          L"SELECT " + property + L" FROM Win32_VideoController WHERE Caption ='" + a.name + L"'",
+          property, value ? std::vector<FakeValue>{*value} : std::vector<FakeValue>{},
+          value ? S_OK : static_cast<HRESULT>(0x80041002));  // WBEM_E_NOT_FOUND
     };
     script(L"AdapterDACType",
            a.dac_type ? std::optional(FakeValue::Text(*a.dac_type)) : std::nullopt);
@@ -49,6 +47,14 @@ inline void ScriptAdapters(FakeSystem& os, const std::vector<ScriptedAdapter>& a
     script(L"DriverVersion", FakeValue::Text(a.driver_version));
     script(L"DriverDate", FakeValue::Text(a.driver_date));
   }
+}
+
+// WMI's PNP ID of the monitor (nullopt: the query fails, as Wine's does).
+inline void ScriptMonitorPnpId(FakeSystem& os, const std::optional<std::wstring>& id) {
+  os.wmi.Script(wmi::kCimV2,
+                L"SELECT PNPDeviceID FROM Win32_DesktopMonitor WHERE PNPDeviceID IS NOT NULL",
+                L"PNPDeviceID", id ? std::vector{FakeValue::Text(*id)} : std::vector<FakeValue>{},
+                id ? S_OK : static_cast<HRESULT>(0x80041001));  // WBEM_E_FAILED
 }
 
 }  // namespace velhal::testing
