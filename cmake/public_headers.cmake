@@ -19,6 +19,8 @@ set(VELHAL_PUBLIC_HEADERS
   components/audio_card.h
   components/biometric.h
   components/video_card.h
+  components/monitor_device_interface.h
+  components/usb_device_interface.h
   drivers/device_driver_type.h
   drivers/device_driver.h
   network/network_adapter.h

@@ -12,6 +12,7 @@
 #include "core/edid.h"
 #include "hal/graphics_module.h"
 #include "platform/boundary.h"
+#include "platform/display_config.h"
 #include "platform/os/display.h"
 #include "platform/os/registry.h"
 #include "platform/string_conversion.h"
@@ -54,25 +55,6 @@ BOOL CALLBACK CollectMonitor(HMONITOR monitor, HDC, RECT*, LPARAM data) {
   return TRUE;
 }
 
-// A monitor's device interface name, \\?\DISPLAY#DELA0B3#5&2a3b4c5d&0&UID4352#{e6f07b5f-...},
-// read as DISPLAY\DELA0B3\5&2A3B4C5D&0&UID4352: the parts between the first three "#" are the
-// model and the instance, and upper case is how the device database and WMI write instance IDs
-// (interface names carry them in lower case).
-std::wstring DeviceIdOfInterface(const std::wstring& interface_name) {
-  const size_t model = interface_name.find(L'#');
-  if (model == std::wstring::npos) return {};
-  const size_t instance = interface_name.find(L'#', model + 1);
-  if (instance == std::wstring::npos) return {};
-  const size_t end = interface_name.find(L'#', instance + 1);
-  if (end == std::wstring::npos || instance == model + 1 || end == instance + 1) return {};
-  std::wstring id = L"DISPLAY\\" + interface_name.substr(model + 1, instance - model - 1) + L"\\" +
-                    interface_name.substr(instance + 1, end - instance - 1);
-  for (wchar_t& c : id) {
-    if (c >= L'a' && c <= L'z') c = static_cast<wchar_t>(c - L'a' + L'A');
-  }
-  return id;
-}
-
 // The first active monitor of the adapter showing the primary desktop monitor (or, with none
 // marked primary, of the first adapter showing any).
 std::wstring ActiveDisplayDeviceId() {
@@ -97,7 +79,7 @@ std::wstring ActiveDisplayDeviceId() {
         break;
       }
       if ((monitor.StateFlags & DISPLAY_DEVICE_ACTIVE) == 0) continue;
-      const std::wstring id = DeviceIdOfInterface(Text(monitor.DeviceID));
+      const std::wstring id = velhal::MonitorDeviceId(Text(monitor.DeviceID));
       if (!id.empty()) return id;
     }
   }

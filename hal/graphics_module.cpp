@@ -13,6 +13,7 @@
 #include "platform/boundary.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
+#include "platform/display_config.h"
 #include "platform/os/display.h"
 #include "platform/os/system_info.h"
 #include "platform/string_conversion.h"
@@ -30,7 +31,6 @@ constexpr uint64_t kRecordSize = sizeof(GpAdapterEntry);                        
 constexpr size_t kNameUnits = sizeof(GpAdapterEntry::name) / sizeof(uint16_t);  // 260
 // Beyond this many records 8 + 552 x count no longer fits the 32-bit size field.
 constexpr uint64_t kMaxAdapters = 7'780'736;
-constexpr UINT32 kMaxDisplayConfigEntries = 61'440;
 static_assert(sizeof(DEVMODEW) == 220, "EnumDisplaySettingsW is given dmSize 220");
 
 // Whether [start, start + size) lies in committed, readable memory. The block comes back from
@@ -178,21 +178,9 @@ std::optional<DEVMODEW> CurrentMode() {
 // The refresh rate of the first active path to the built-in panel, rounded to nearest; 0 when
 // there is none or it reports none.
 uint32_t InternalPanelRefreshRate() {
-  UINT32 path_count = 0, mode_count = 0;
-  if (os::display().GetDisplayConfigBufferSizes(QDC_ONLY_ACTIVE_PATHS, &path_count, &mode_count) !=
-          ERROR_SUCCESS ||
-      path_count < 1 || path_count > kMaxDisplayConfigEntries || mode_count < 1 ||
-      mode_count > kMaxDisplayConfigEntries) {
-    return 0;
-  }
-  std::vector<DISPLAYCONFIG_PATH_INFO> paths(path_count);
-  std::vector<DISPLAYCONFIG_MODE_INFO> modes(mode_count);
-  if (os::display().QueryDisplayConfig(QDC_ONLY_ACTIVE_PATHS, &path_count, paths.data(),
-                                       &mode_count, modes.data(), nullptr) != ERROR_SUCCESS) {
-    return 0;
-  }
-  paths.resize(std::min<size_t>(path_count, paths.size()));
-  for (const DISPLAYCONFIG_PATH_INFO& path : paths) {
+  const std::optional<DisplayConfig> config = ActiveDisplayConfig();
+  if (!config) return 0;
+  for (const DISPLAYCONFIG_PATH_INFO& path : config->paths) {
     if (path.targetInfo.outputTechnology != DISPLAYCONFIG_OUTPUT_TECHNOLOGY_INTERNAL) continue;
     const DISPLAYCONFIG_RATIONAL rate = path.targetInfo.refreshRate;
     if (rate.Denominator == 0) return 0;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/com_apartment.h"
 #include "platform/com_ptr.h"
 #include "platform/com_values.h"
 #include "platform/os/com.h"
@@ -17,35 +18,6 @@ namespace velhal::wmi {
 namespace {
 
 constexpr HRESULT kTimedOut = static_cast<HRESULT>(WBEM_E_TIMED_OUT);
-
-// Uses the thread's COM apartment; initialises one only where the thread has none.
-class Apartment {
- public:
-  Apartment() noexcept {
-    APTTYPE type{};
-    APTTYPEQUALIFIER qualifier{};
-    const HRESULT current = os::com().CoGetApartmentType(&type, &qualifier);
-    if (SUCCEEDED(current)) {
-      status_ = S_OK;  // the host's apartment (or the process's implicit MTA) serves
-      return;
-    }
-    const HRESULT init = os::com().CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    initialised_ = SUCCEEDED(init);  // S_OK or S_FALSE: both need one CoUninitialize
-    // RPC_E_CHANGED_MODE: the thread is already in an STA, which serves; nothing to undo.
-    status_ = initialised_ || init == RPC_E_CHANGED_MODE ? S_OK : init;
-  }
-  ~Apartment() {
-    if (initialised_) os::com().CoUninitialize();
-  }
-  Apartment(const Apartment&) = delete;
-  Apartment& operator=(const Apartment&) = delete;
-
-  HRESULT status() const noexcept { return status_; }
-
- private:
-  HRESULT status_ = E_UNEXPECTED;
-  bool initialised_ = false;
-};
 
 bool SameNamespace(const std::wstring& a, const std::wstring& b) {
   return ::CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(),
@@ -149,7 +121,7 @@ HRESULT Replay(const Snapshot& rows, const std::wstring& property, bool first_on
 }  // namespace
 
 struct SessionScope::State {
-  Apartment apartment;  // declared first: released last, after every COM pointer below
+  ComApartment apartment;  // declared first: released last, after every COM pointer below
   ComPtr<IWbemLocator> locator;
   std::vector<std::pair<std::wstring, ComPtr<IWbemServices>>> connections;
   std::vector<Snapshot> snapshots;

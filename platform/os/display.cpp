@@ -18,6 +18,9 @@ class RealDisplay final : public Display {
                           DISPLAYCONFIG_TOPOLOGY_ID* topology) override {
     return ::QueryDisplayConfig(flags, path_count, paths, mode_count, modes, topology);
   }
+  LONG DisplayConfigGetDeviceInfo(DISPLAYCONFIG_DEVICE_INFO_HEADER* request) override {
+    return ::DisplayConfigGetDeviceInfo(request);
+  }
   BOOL EnumDisplayDevicesW(const wchar_t* device, DWORD index, DISPLAY_DEVICEW* info,
                            DWORD flags) override {
     return ::EnumDisplayDevicesW(device, index, info, flags);

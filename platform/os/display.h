@@ -16,6 +16,7 @@ class Display {
   virtual LONG QueryDisplayConfig(UINT32 flags, UINT32* path_count, DISPLAYCONFIG_PATH_INFO* paths,
                                   UINT32* mode_count, DISPLAYCONFIG_MODE_INFO* modes,
                                   DISPLAYCONFIG_TOPOLOGY_ID* topology) = 0;
+  virtual LONG DisplayConfigGetDeviceInfo(DISPLAYCONFIG_DEVICE_INFO_HEADER* request) = 0;
   virtual BOOL EnumDisplayDevicesW(const wchar_t* device, DWORD index, DISPLAY_DEVICEW* info,
                                    DWORD flags) = 0;
   virtual BOOL EnumDisplayMonitors(HDC dc, const RECT* clip, MONITORENUMPROC callback,

@@ -9,6 +9,10 @@ class RealIpHelper final : public IpHelper {
   ULONG GetAdaptersInfo(IP_ADAPTER_INFO* adapters, ULONG* size) override {
     return ::GetAdaptersInfo(adapters, size);
   }
+  ULONG GetAdaptersAddresses(ULONG family, ULONG flags, void* reserved,
+                             IP_ADAPTER_ADDRESSES* addresses, ULONG* size) override {
+    return ::GetAdaptersAddresses(family, flags, reserved, addresses, size);
+  }
 };
 
 }  // namespace

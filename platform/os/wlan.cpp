@@ -72,6 +72,14 @@ class RealWlan final : public Wlan {
     static const Bound<decltype(::WlanSetInterface)> call("WlanSetInterface");
     return call(client, interface_guid, opcode, data_size, data, reserved);
   }
+  DWORD WlanGetNetworkBssList(HANDLE client, const GUID* interface_guid, const DOT11_SSID* ssid,
+                              DOT11_BSS_TYPE bss_type, BOOL security_enabled, void* reserved,
+                              WLAN_BSS_LIST** bss_list) override {
+    static const Bound<decltype(::WlanGetNetworkBssList)> call("WlanGetNetworkBssList");
+    // The system's declaration takes the SSID without const; it only reads it.
+    return call(client, interface_guid, const_cast<DOT11_SSID*>(ssid), bss_type, security_enabled,
+                reserved, bss_list);
+  }
   void WlanFreeMemory(void* memory) override {
     static const Bound<decltype(::WlanFreeMemory)> call("WlanFreeMemory");
     call(memory);

@@ -25,6 +25,10 @@ class Wlan {
                                    void** data, WLAN_OPCODE_VALUE_TYPE* value_type) = 0;
   virtual DWORD WlanSetInterface(HANDLE client, const GUID* interface_guid, WLAN_INTF_OPCODE opcode,
                                  DWORD data_size, void* data, void* reserved) = 0;
+  virtual DWORD WlanGetNetworkBssList(HANDLE client, const GUID* interface_guid,
+                                      const DOT11_SSID* ssid, DOT11_BSS_TYPE bss_type,
+                                      BOOL security_enabled, void* reserved,
+                                      WLAN_BSS_LIST** bss_list) = 0;
   virtual void WlanFreeMemory(void* memory) = 0;
 
   static Wlan& Real() noexcept;

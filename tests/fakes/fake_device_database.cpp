@@ -175,13 +175,19 @@ BOOL FakeDeviceDatabase::SetupDiGetDeviceRegistryPropertyW(HDEVINFO set, SP_DEVI
   if (owner == nullptr) return Fail(ERROR_INVALID_PARAMETER);
   if (buffer == nullptr && buffer_size != 0) return Fail(ERROR_INVALID_USER_BUFFER);
   if (owner->registry_read_error != 0) return Fail(owner->registry_read_error);
-  const FakeDevice::Property* ids = owner->Find(device_keys::kHardwareIds);
-  if (property != SPDRP_HARDWAREID || ids == nullptr) return Fail(ERROR_INVALID_DATA);
-  const DWORD needed = static_cast<DWORD>(ids->bytes.size());
-  if (type != nullptr) *type = REG_MULTI_SZ;
+  // The registry properties served, each the unified property of the same value.
+  constexpr DEVPROPKEY kDriver{device_keys::kDeviceSet, 11};
+  const DEVPROPKEY* key = property == SPDRP_HARDWAREID   ? &device_keys::kHardwareIds
+                          : property == SPDRP_DEVICEDESC ? &device_keys::kDeviceDesc
+                          : property == SPDRP_DRIVER     ? &kDriver
+                                                         : nullptr;
+  const FakeDevice::Property* value = key ? owner->Find(*key) : nullptr;
+  if (value == nullptr) return Fail(ERROR_INVALID_DATA);
+  const DWORD needed = static_cast<DWORD>(value->bytes.size());
+  if (type != nullptr) *type = property == SPDRP_HARDWAREID ? REG_MULTI_SZ : REG_SZ;
   if (required_size != nullptr) *required_size = needed;
   if (buffer_size < needed) return Fail(ERROR_INSUFFICIENT_BUFFER);
-  std::copy(ids->bytes.begin(), ids->bytes.end(), buffer);
+  std::copy(value->bytes.begin(), value->bytes.end(), buffer);
   return TRUE;
 }
 

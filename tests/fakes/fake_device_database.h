@@ -2,9 +2,10 @@
 // class, a present flag, unified properties and a device-node status; the fake keeps the Win32
 // contract (cbSize checks, ERROR_INSUFFICIENT_BUFFER with the needed size, ERROR_NOT_FOUND,
 // ERROR_NO_MORE_ITEMS) and records each set opened, so a test sees flags, GUIDs and leaks.
-// The registry-property read serves SPDRP_HARDWAREID from the same hardware-ID list. The class
-// installer removes (DIF_REMOVE) or enables and disables (DIF_PROPERTYCHANGE) a device; a rescan
-// of the tree brings removed devices back as each device's script says.
+// The registry-property read serves SPDRP_HARDWAREID, SPDRP_DEVICEDESC and SPDRP_DRIVER from
+// the same properties. The class installer removes (DIF_REMOVE) or enables and disables
+// (DIF_PROPERTYCHANGE) a device; a rescan of the tree brings removed devices back as each
+// device's script says.
 #pragma once
 
 #include "platform/win32.h"

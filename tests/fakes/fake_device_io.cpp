@@ -81,11 +81,10 @@ BOOL FakeDeviceIo::DeviceIoControl(HANDLE handle, DWORD code, void* in, DWORD in
   const Ioctl answer =
       found->second.by_input ? found->second.by_input(last_input[code]) : found->second;
   if (!answer.result) return Fail(answer.error);
-  if (out_size < answer.out.size()) return Fail(ERROR_INSUFFICIENT_BUFFER);
-  if (!answer.out.empty()) std::memcpy(out, answer.out.data(), answer.out.size());
-  if (returned != nullptr) {
-    *returned = answer.returned.value_or(static_cast<DWORD>(answer.out.size()));
-  }
+  if (out_size < answer.out.size() && !answer.truncates) return Fail(ERROR_INSUFFICIENT_BUFFER);
+  const DWORD copied = std::min(out_size, static_cast<DWORD>(answer.out.size()));
+  if (copied != 0) std::memcpy(out, answer.out.data(), copied);
+  if (returned != nullptr) *returned = answer.returned.value_or(copied);
   return answer.result;
 }
 

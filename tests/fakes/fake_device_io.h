@@ -25,6 +25,9 @@ class FakeDeviceIo final : public os::DeviceIo {
     DWORD error = 0;     // last error when result is FALSE
     std::vector<BYTE> out;
     std::optional<DWORD> returned;  // bytes reported; out's size when unset
+    // Copies what fits a smaller output buffer and succeeds, as the USB hub driver answers its
+    // name requests; otherwise a smaller buffer fails.
+    bool truncates = false;
     // Answers that depend on the input (such as the battery's information levels): given the
     // input bytes, the answer to give.
     std::function<Ioctl(const std::vector<BYTE>& in)> by_input;

@@ -33,6 +33,13 @@ DISPLAYCONFIG_PATH_INFO FakeDisplay::Path(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY 
   return path;
 }
 
+DISPLAYCONFIG_MODE_INFO FakeDisplay::SourceMode(UINT32 width, UINT32 height, LONG x, LONG y) {
+  DISPLAYCONFIG_MODE_INFO mode{};
+  mode.infoType = DISPLAYCONFIG_MODE_INFO_TYPE_SOURCE;
+  mode.sourceMode = {width, height, DISPLAYCONFIG_PIXELFORMAT_32BPP, {x, y}};
+  return mode;
+}
+
 void FakeDisplay::OneScreen(const std::wstring& interface_name) {
   adapters = {{L"\\\\.\\DISPLAY1",
                DISPLAY_DEVICE_ACTIVE | DISPLAY_DEVICE_PRIMARY_DEVICE,
@@ -58,20 +65,47 @@ BOOL FakeDisplay::EnumDisplaySettingsW(const wchar_t* device, DWORD mode_number,
 LONG FakeDisplay::GetDisplayConfigBufferSizes(UINT32 flags, UINT32* path_count, UINT32* modes) {
   if (flags != QDC_ONLY_ACTIVE_PATHS) return ERROR_INVALID_PARAMETER;
   *path_count = reported_paths.value_or(static_cast<UINT32>(paths.size()));
-  *modes = mode_count;
+  *modes = mode_entries.empty() ? mode_count : static_cast<UINT32>(mode_entries.size());
   return ERROR_SUCCESS;
 }
 
 LONG FakeDisplay::QueryDisplayConfig(UINT32 flags, UINT32* path_count,
                                      DISPLAYCONFIG_PATH_INFO* path_array, UINT32* modes,
-                                     DISPLAYCONFIG_MODE_INFO*,
+                                     DISPLAYCONFIG_MODE_INFO* mode_array,
                                      DISPLAYCONFIG_TOPOLOGY_ID* topology) {
   if (flags != QDC_ONLY_ACTIVE_PATHS || topology != nullptr) return ERROR_INVALID_PARAMETER;
-  if (*path_count < paths.size() || *modes < mode_count) return ERROR_INSUFFICIENT_BUFFER;
+  const UINT32 offered =
+      mode_entries.empty() ? mode_count : static_cast<UINT32>(mode_entries.size());
+  if (*path_count < paths.size() || *modes < offered) return ERROR_INSUFFICIENT_BUFFER;
   for (size_t i = 0; i < paths.size(); ++i) path_array[i] = paths[i];
+  for (size_t i = 0; i < mode_entries.size(); ++i) mode_array[i] = mode_entries[i];
   *path_count = static_cast<UINT32>(paths.size());
-  *modes = mode_count;
+  *modes = offered;
   return ERROR_SUCCESS;
+}
+
+LONG FakeDisplay::DisplayConfigGetDeviceInfo(DISPLAYCONFIG_DEVICE_INFO_HEADER* request) {
+  if (request == nullptr || request->id >= targets.size()) return ERROR_INVALID_PARAMETER;
+  const Target& target = targets[request->id];
+  if (request->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME &&
+      request->size == sizeof(DISPLAYCONFIG_TARGET_DEVICE_NAME)) {
+    auto& name = *reinterpret_cast<DISPLAYCONFIG_TARGET_DEVICE_NAME*>(request);
+    CopyText(name.monitorDevicePath, target.device_path);
+    CopyText(name.monitorFriendlyDeviceName, target.name);
+    name.flags.edidIdsValid = target.edid_ids;
+    name.edidManufactureId = target.manufacturer;
+    name.edidProductCodeId = target.product;
+    return ERROR_SUCCESS;
+  }
+  if (request->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_PREFERRED_MODE &&
+      request->size == sizeof(DISPLAYCONFIG_TARGET_PREFERRED_MODE)) {
+    if (target.preferred_width == 0) return ERROR_NOT_SUPPORTED;  // as Wine answers
+    auto& preferred = *reinterpret_cast<DISPLAYCONFIG_TARGET_PREFERRED_MODE*>(request);
+    preferred.width = target.preferred_width;
+    preferred.height = target.preferred_height;
+    return ERROR_SUCCESS;
+  }
+  return ERROR_INVALID_PARAMETER;
 }
 
 BOOL FakeDisplay::EnumDisplayDevicesW(const wchar_t* device, DWORD index, DISPLAY_DEVICEW* info,

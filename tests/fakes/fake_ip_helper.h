@@ -1,12 +1,15 @@
-// The IP stack's adapter table as a test sets it: adapters with a description and a gateway,
-// laid out as GetAdaptersInfo lays them out (a chain inside the caller's buffer). Records the
-// buffer size of every call.
+// The IP stack's adapter tables as a test sets them: for GetAdaptersInfo, adapters with a
+// description and a gateway; for GetAdaptersAddresses, adapters with names, a MAC address,
+// addresses in text (parsed by the system's own inet_pton) and link facts. Both are laid out as
+// the system lays them out, as chains inside the caller's buffer. Records the buffer size of
+// every call.
 #pragma once
 
 #include "platform/win32.h"
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/os/ip_helper.h"
@@ -19,10 +22,22 @@ class FakeIpHelper final : public os::IpHelper {
     std::string description;
     std::string gateway;
   };
+  struct IpAdapter {
+    std::wstring name, description;
+    std::vector<BYTE> mac;
+    std::vector<std::pair<std::string, UINT8>> unicast;  // address, prefix length
+    std::vector<std::string> gateways, dns_servers;
+    IF_OPER_STATUS status = IfOperStatusUp;
+    IFTYPE type = IF_TYPE_ETHERNET_CSMACD;
+    bool dhcp = true;
+    ULONG64 speed = 1'000'000'000;
+  };
 
   std::vector<Adapter> adapters;
+  std::vector<IpAdapter> ip_adapters;
   ULONG failure = ERROR_SUCCESS;  // otherwise every call answers it
   std::vector<ULONG> offered;
+  std::vector<ULONG> flags_seen;
 
   ULONG GetAdaptersInfo(IP_ADAPTER_INFO* table, ULONG* size) override {
     if (size == nullptr) return ERROR_INVALID_PARAMETER;
@@ -45,6 +60,13 @@ class FakeIpHelper final : public os::IpHelper {
     }
     return ERROR_SUCCESS;
   }
+
+  ULONG GetAdaptersAddresses(ULONG family, ULONG flags, void* reserved, IP_ADAPTER_ADDRESSES* table,
+                             ULONG* size) override;
+
+ private:
+  // Lays the table out from start; the bytes it takes.
+  size_t LayOut(BYTE* start) const;
 };
 
 }  // namespace velhal::testing

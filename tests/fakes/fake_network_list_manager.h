@@ -16,6 +16,8 @@ class FakeNetworkListManager final : public Counted<INetworkListManager> {
   HRESULT internet_result = S_OK;
   VARIANT_BOOL connected = VARIANT_TRUE;
   VARIANT_BOOL internet = VARIANT_TRUE;
+  HRESULT connectivity_result = S_OK;
+  NLM_CONNECTIVITY connectivity = NLM_CONNECTIVITY_IPV4_INTERNET;
 
   HRESULT STDMETHODCALLTYPE IsConnected(VARIANT_BOOL* value) override {
     return Answer(connected_result, connected, value);
@@ -32,7 +34,11 @@ class FakeNetworkListManager final : public Counted<INetworkListManager> {
   HRESULT STDMETHODCALLTYPE GetNetwork(GUID, INetwork**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetNetworkConnections(IEnumNetworkConnections**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetNetworkConnection(GUID, INetworkConnection**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetConnectivity(NLM_CONNECTIVITY*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetConnectivity(NLM_CONNECTIVITY* value) override {
+    if (value == nullptr) return E_POINTER;
+    if (SUCCEEDED(connectivity_result)) *value = connectivity;
+    return connectivity_result;
+  }
 
  private:
   static HRESULT Answer(HRESULT result, VARIANT_BOOL answer, VARIANT_BOOL* value) {

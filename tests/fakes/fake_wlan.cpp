@@ -1,5 +1,6 @@
 #include "tests/fakes/fake_wlan.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -49,7 +50,8 @@ DWORD FakeWlan::WlanEnumInterfaces(HANDLE client, void*, WLAN_INTERFACE_INFO_LIS
   made->dwNumberOfItems = static_cast<DWORD>(interfaces.size());
   for (size_t i = 0; i < interfaces.size(); ++i) {
     made->InterfaceInfo[i].InterfaceGuid = interfaces[i].guid;
-    made->InterfaceInfo[i].isState = wlan_interface_state_connected;
+    made->InterfaceInfo[i].isState = interfaces[i].connection ? wlan_interface_state_connected
+                                                              : wlan_interface_state_disconnected;
   }
   *list = made;
   return ERROR_SUCCESS;
@@ -63,10 +65,20 @@ DWORD FakeWlan::WlanQueryInterface(HANDLE client, const GUID* interface_guid,
     return ERROR_INVALID_PARAMETER;
   }
   queried.push_back(*interface_guid);
-  if (opcode != wlan_intf_opcode_radio_state) return ERROR_NOT_SUPPORTED;
+  if (opcode != wlan_intf_opcode_radio_state && opcode != wlan_intf_opcode_current_connection)
+    return ERROR_NOT_SUPPORTED;
   for (const Interface& known : interfaces) {
     if (known.guid != *interface_guid) continue;
     if (known.query_result != ERROR_SUCCESS) return known.query_result;
+    if (opcode == wlan_intf_opcode_current_connection) {
+      if (!known.connection) return ERROR_INVALID_STATE;
+      auto* connection =
+          static_cast<WLAN_CONNECTION_ATTRIBUTES*>(Allocate(sizeof(WLAN_CONNECTION_ATTRIBUTES)));
+      *connection = *known.connection;
+      *data = connection;
+      *data_size = sizeof(*connection);
+      return ERROR_SUCCESS;
+    }
     auto* radio = static_cast<WLAN_RADIO_STATE*>(Allocate(sizeof(WLAN_RADIO_STATE)));
     radio->dwNumberOfPhys = 1;
     radio->PhyRadioState[0].dot11SoftwareRadioState = known.software_radio;
@@ -86,6 +98,29 @@ DWORD FakeWlan::WlanSetInterface(HANDLE client, const GUID* interface_guid, WLAN
   const auto* bytes = static_cast<const BYTE*>(data);
   sets.push_back({*interface_guid, opcode, std::vector<BYTE>(bytes, bytes + data_size)});
   return set_result;
+}
+
+DWORD FakeWlan::WlanGetNetworkBssList(HANDLE client, const GUID* interface_guid,
+                                      const DOT11_SSID* ssid, DOT11_BSS_TYPE, BOOL, void*,
+                                      WLAN_BSS_LIST** bss_list) {
+  if (open_.count(client) == 0) return ERROR_INVALID_HANDLE;
+  if (interface_guid == nullptr || bss_list == nullptr) return ERROR_INVALID_PARAMETER;
+  if (ssid != nullptr) {
+    bss_ssids_asked.emplace_back(reinterpret_cast<const char*>(ssid->ucSSID),
+                                 std::min<size_t>(ssid->uSSIDLength, DOT11_SSID_MAX_LENGTH));
+  }
+  for (const Interface& known : interfaces) {
+    if (known.guid != *interface_guid) continue;
+    const size_t size = offsetof(WLAN_BSS_LIST, wlanBssEntries) +
+                        std::max<size_t>(known.bss.size(), 1) * sizeof(WLAN_BSS_ENTRY);
+    auto* list = static_cast<WLAN_BSS_LIST*>(Allocate(size));
+    list->dwTotalSize = static_cast<DWORD>(size);
+    list->dwNumberOfItems = static_cast<DWORD>(known.bss.size());
+    for (size_t i = 0; i < known.bss.size(); ++i) list->wlanBssEntries[i] = known.bss[i];
+    *bss_list = list;
+    return ERROR_SUCCESS;
+  }
+  return ERROR_NOT_FOUND;
 }
 
 void FakeWlan::WlanFreeMemory(void* memory) {

@@ -13,7 +13,9 @@
 #include "components/bios_fun.h"
 #include "components/bios_wmi.h"
 #include "components/hot_interface.h"
+#include "components/monitor_device_interface.h"
 #include "components/touch_screen.h"
+#include "components/usb_device_interface.h"
 #include "components/video_card.h"
 #include "drivers/device_driver.h"
 #include "firmware/hardware_config.h"
@@ -119,6 +121,12 @@ void ExerciseLibrary(AfterEach&& after_each, bool graphics = true) {
       card.IsMainDeviceActive();
     });
   step([&] {
+    MonitorDeviceInterface monitors;
+    monitors.GetMonitors();
+    MonitorInfo info;
+    monitors.GetMonitorByIndex(0, info);
+  });
+  step([&] {
     const SmBiosHelper* helper = SmBiosHelper::GetInstance();
     helper->GetBIOSVendor();
     helper->GetSysProductName();
@@ -158,6 +166,23 @@ void ExerciseLibrary(AfterEach&& after_each, bool graphics = true) {
     adapter.GetWifiManuType();
     std::string gateway;
     adapter.GetWirelessGateWayIP(gateway);
+  });
+  step([&] {
+    NetworkAdapter adapter;
+    IpAdapterInfo info;
+    adapter.GetIpInfo(0, info);
+    adapter.GetIpv6AddressesByIndex(0);
+    adapter.GetWireLessIndex();
+    IpStateInfo state = IpState_NoAdapter;
+    adapter.CHeckIPReady(state);
+    WifiConnectionInfo wifi;
+    adapter.GetWifiConnectionInfo(wifi);
+    adapter.IsAnyInternetAvailable();
+  });
+  step([&] {
+    UsbDeviceInterface usb;
+    usb.GetUsbTree();
+    usb.GetUsbDeviceNumber();
   });
   step([&] {
     DeviceDriver driver;

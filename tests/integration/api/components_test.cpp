@@ -1,17 +1,21 @@
-// The sensors and the touch screen through VelHal.dll, checked against the test's own read of
-// the same source. Wine serves no thermal zone or vendor WMI class and lists only a virtual mouse
-// and keyboard as HID devices: there the checks are the missing reading and the failure reports;
-// on Windows the same checks compare real readings. Fans and batteries: Wine has none, so their
-// sources are covered by the unit tests' fakes.
+// The sensors, the touch screen and the USB tree through VelHal.dll, checked against the test's
+// own read of the same source. Wine serves no thermal zone or vendor WMI class and lists only a
+// virtual mouse and keyboard as HID devices: there the checks are the missing reading and the
+// failure reports; on Windows the same checks compare real readings. Fans and batteries: Wine has
+// none, so their sources are covered by the unit tests' fakes. USB: Wine has no host controller to
+// walk.
 #include "platform/win32.h"
 
 #include "components/hot_interface.h"
 #include "components/touch_screen.h"
+#include "components/usb_device_interface.h"
 
 #include <gtest/gtest.h>
 
 #include <io.h>
 #include <setupapi.h>
+#include <winioctl.h>
+#include <usbioctl.h>
 
 #include <cmath>
 #include <cstdio>
@@ -108,6 +112,54 @@ TEST(ComponentsTest, ATemperatureTheMachineDoesNotServeIsTheMissingMark) {
                 2);
   } else if (RunningOnWine()) {  // and Wine has no thermal-zone counters either
     EXPECT_EQ(hot.GetSensorTemperature(0), 2147483647);
+  }
+}
+
+// The test's own list of USB host-controller interface paths.
+std::vector<std::wstring> OwnHostControllers() {
+  const GUID controller{
+      0x3abf6f2d, 0x71c4, 0x462a, {0x8a, 0x92, 0x1e, 0x68, 0x61, 0xe6, 0xaf, 0x27}};
+  HDEVINFO set =
+      ::SetupDiGetClassDevsW(&controller, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+  std::vector<std::wstring> paths;
+  SP_DEVICE_INTERFACE_DATA data{};
+  data.cbSize = sizeof(data);
+  for (DWORD i = 0; ::SetupDiEnumDeviceInterfaces(set, nullptr, &controller, i, &data); ++i) {
+    std::vector<BYTE> buffer(4096);
+    auto* detail = reinterpret_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_W*>(buffer.data());
+    detail->cbSize = sizeof(*detail);
+    if (::SetupDiGetDeviceInterfaceDetailW(set, &data, detail, 4096, nullptr, nullptr))
+      paths.emplace_back(detail->DevicePath);
+  }
+  ::SetupDiDestroyDeviceInfoList(set);
+  return paths;
+}
+
+std::wstring OwnRootHubName(const std::wstring& controller) {
+  HANDLE device = ::CreateFileW(controller.c_str(), GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
+                                OPEN_EXISTING, 0, nullptr);
+  std::vector<BYTE> answer(2048);
+  DWORD returned = 0;
+  std::wstring name;
+  if (::DeviceIoControl(device, IOCTL_USB_GET_ROOT_HUB_NAME, nullptr, 0, answer.data(), 2048,
+                        &returned, nullptr)) {
+    name = reinterpret_cast<const USB_ROOT_HUB_NAME*>(answer.data())->RootHubName;
+  }
+  ::CloseHandle(device);
+  return name;
+}
+
+TEST(ComponentsTest, UsbTreeHasTheHostControllersSetupApiLists) {
+  const std::vector<std::wstring> own = OwnHostControllers();
+  const std::vector<UsbHostControllerInfo> tree = UsbDeviceInterface().GetUsbTree();
+  ASSERT_EQ(tree.size(), own.size());
+  if (own.empty()) {
+    GTEST_SKIP() << "no USB host controller: Wine has no USB-class device and no host-controller "
+                    "interface, so the hub walk has nothing to ask (the fakes cover it)";
+  }
+  for (size_t i = 0; i < own.size(); ++i) {
+    EXPECT_EQ(tree[i].devicePath, own[i]);
+    EXPECT_EQ(tree[i].rootHubName, OwnRootHubName(own[i]));
   }
 }
 

@@ -1,9 +1,11 @@
-// Class 4, class 16 and VideoCard through VelHal.dll, against the test's own reads of the same
-// sources: SetupAPI, DXGI, WMI and user32. Built twice: api_tests runs it in the session without
+// Class 4, class 16, VideoCard and MonitorDeviceInterface through VelHal.dll, against the
+// test's own reads of the same sources: SetupAPI, DXGI, WMI, user32 and the display
+// configuration. Built twice: api_tests runs it in the session without
 // a display (Wine's null driver: no DXGI, so no adapter enters the inventory), and
 // graphics_display_tests in the Xvfb session (DXGI's one adapter, with its memory).
 #include "platform/win32.h"
 
+#include "components/monitor_device_interface.h"
 #include "components/video_card.h"
 #include "hal/hal_api.h"
 
@@ -18,6 +20,7 @@
 #include <devpkey.h>
 
 #include <cstdlib>
+#include <cwctype>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -256,9 +259,88 @@ TEST(VideoCardMonitorTest, TheCaptionIsTheEdidNameUnderTheActiveMonitorsKey) {
   const std::vector<BYTE> edid((std::istreambuf_iterator<char>(file)), {});
   ASSERT_EQ(::RegSetValueExW(key, L"EDID", 0, REG_BINARY, edid.data(), 256), ERROR_SUCCESS);
   const std::wstring caption = VideoCard().GetMonitorCaption();
+  const std::vector<MonitorInfo> monitors = MonitorDeviceInterface().GetMonitors();
   ::RegDeleteValueW(key, L"EDID");
   ::RegCloseKey(key);
   EXPECT_EQ(caption, L"D3218HN");  // its name descriptor, by edid-decode
+  // The same EDID decoded for the monitor; its preferred mode stands in for the configuration's,
+  // which Wine does not serve.
+  ASSERT_FALSE(monitors.empty());
+  EXPECT_EQ(monitors[0].edid, std::vector<uint8_t>(edid.begin(), edid.begin() + 256));
+  EXPECT_EQ(monitors[0].edidName, L"D3218HN");
+  EXPECT_EQ(monitors[0].manufacturerId, L"DEL");
+  EXPECT_EQ(monitors[0].nativeWidth, 1920u);
+  EXPECT_EQ(monitors[0].nativeHeight, 1080u);
+}
+
+// The test's own display configuration: each active path's monitor name, output technology and
+// source mode, by the monitor's device interface name (upper case).
+struct OwnPath {
+  std::wstring name;
+  uint32_t technology;
+  DISPLAYCONFIG_SOURCE_MODE source;
+};
+
+std::map<std::wstring, OwnPath> OwnPaths() {
+  std::map<std::wstring, OwnPath> paths;
+  UINT32 path_count = 0, mode_count = 0;
+  if (::GetDisplayConfigBufferSizes(QDC_ONLY_ACTIVE_PATHS, &path_count, &mode_count) != 0)
+    return paths;
+  std::vector<DISPLAYCONFIG_PATH_INFO> path_infos(path_count);
+  std::vector<DISPLAYCONFIG_MODE_INFO> modes(mode_count);
+  if (::QueryDisplayConfig(QDC_ONLY_ACTIVE_PATHS, &path_count, path_infos.data(), &mode_count,
+                           modes.data(), nullptr) != 0) {
+    return paths;
+  }
+  for (UINT32 i = 0; i < path_count; ++i) {
+    DISPLAYCONFIG_TARGET_DEVICE_NAME name{};
+    name.header = {DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME, sizeof(name),
+                   path_infos[i].targetInfo.adapterId, path_infos[i].targetInfo.id};
+    if (::DisplayConfigGetDeviceInfo(&name.header) != 0) continue;
+    std::wstring key = name.monitorDevicePath;
+    for (wchar_t& c : key) c = static_cast<wchar_t>(std::towupper(c));
+    paths[key] = {name.monitorFriendlyDeviceName,
+                  static_cast<uint32_t>(path_infos[i].targetInfo.outputTechnology),
+                  modes.at(path_infos[i].sourceInfo.modeInfoIdx).sourceMode};
+  }
+  return paths;
+}
+
+TEST(MonitorsTest, MonitorsAgreeWithTheTestsOwnEnumeration) {
+  const std::map<std::wstring, OwnPath> paths = OwnPaths();
+  std::vector<std::pair<std::wstring, std::wstring>> own;  // monitor device, interface name
+  DISPLAY_DEVICEW adapter{};
+  adapter.cb = sizeof(adapter);
+  for (DWORD a = 0; ::EnumDisplayDevicesW(nullptr, a, &adapter, 0); ++a) {
+    DISPLAY_DEVICEW monitor{};
+    monitor.cb = sizeof(monitor);
+    for (DWORD m = 0;
+         (adapter.StateFlags & DISPLAY_DEVICE_ATTACHED_TO_DESKTOP) &&
+         ::EnumDisplayDevicesW(adapter.DeviceName, m, &monitor, EDD_GET_DEVICE_INTERFACE_NAME);
+         ++m) {
+      if (monitor.StateFlags & DISPLAY_DEVICE_ACTIVE)
+        own.emplace_back(monitor.DeviceName, monitor.DeviceID);
+    }
+  }
+  const std::vector<MonitorInfo> monitors = MonitorDeviceInterface().GetMonitors();
+  ASSERT_EQ(monitors.size(), own.size());
+  ASSERT_FALSE(own.empty()) << "both sessions show one monitor";
+  for (size_t i = 0; i < own.size(); ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(monitors[i].deviceName, own[i].first);
+    std::wstring key = own[i].second;
+    for (wchar_t& c : key) c = static_cast<wchar_t>(std::towupper(c));
+    const auto path = paths.find(key);
+    ASSERT_NE(path, paths.end()) << "every active monitor has a path, in Wine too";
+    if (!path->second.name.empty()) {
+      EXPECT_EQ(monitors[i].friendlyName, path->second.name);
+    }
+    EXPECT_EQ(monitors[i].outputTechnology, path->second.technology);
+    EXPECT_EQ(monitors[i].width, path->second.source.width);
+    EXPECT_EQ(monitors[i].height, path->second.source.height);
+    EXPECT_EQ(monitors[i].positionX, path->second.source.position.x);
+    EXPECT_EQ(monitors[i].positionY, path->second.source.position.y);
+  }
 }
 
 TEST(DisplayClassTest, WithoutAnAmdOrIntelAdapterInitSucceedsWithoutABlock) {
