@@ -24,13 +24,7 @@ std::optional<uint32_t> Field(const uint8_t* data, size_t size, size_t offset, s
 
 std::string ManufacturerId(const uint8_t* data, size_t size) {
   if (size < 10) return {};
-  const uint32_t packed = uint32_t{data[8]} << 8 | data[9];
-  std::string letters;
-  for (const int shift : {10, 5, 0}) {
-    const uint32_t code = packed >> shift & 0x1F;
-    letters += code >= 1 && code <= 26 ? static_cast<char>('A' + code - 1) : '?';
-  }
-  return letters;
+  return ManufacturerLetters(uint32_t{data[8]} << 8 | data[9]);
 }
 
 bool ChecksumValid(const uint8_t* data, size_t size) {
@@ -59,6 +53,15 @@ std::optional<PreferredMode> FirstDetailedTiming(const uint8_t* data, size_t siz
 }
 
 }  // namespace
+
+std::string ManufacturerLetters(uint32_t packed) {
+  std::string letters;
+  for (const int shift : {10, 5, 0}) {
+    const uint32_t code = packed >> shift & 0x1F;
+    letters += code >= 1 && code <= 26 ? static_cast<char>('A' + code - 1) : '?';
+  }
+  return letters;
+}
 
 std::optional<std::string> DisplayProductName(const uint8_t* data, size_t size) {
   if (data == nullptr || size <= kFirstDescriptor) return std::nullopt;

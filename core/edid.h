@@ -21,6 +21,10 @@ namespace velhal::edid {
 // on this exact scan: a tag-like run inside other descriptors' bytes counts too.
 std::optional<std::string> DisplayProductName(const uint8_t* data, size_t size);
 
+// The maker's three letters from its compressed code (bytes 8-9 read big-endian: five bits a
+// letter, 1 for A), "?" for a code that is no letter.
+std::string ManufacturerLetters(uint32_t packed);
+
 struct PreferredMode {
   uint32_t width = 0, height = 0;
   uint64_t refresh_milli_hz = 0;  // rounded half up; the interlace flag is not applied

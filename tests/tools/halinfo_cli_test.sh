@@ -21,13 +21,15 @@ check "the battery section names the AC line" grep -Eq '^  AC line +(online|offl
 check "the sensors section reports the temperatures" grep -Eq '^  temperatures +(not available|error -?[0-9]+)$|^    zone 0 +-?[0-9]+ C$' <<<"$out"
 check "the touch screen's presence is reported" grep -Eq '^  present +(yes|no)$' <<<"$(sed -n '/^Touch screen$/,$p' <<<"$out")"
 check "the network section reports connectivity" grep -Eq '^  on the Internet +(yes|no|\?)$' <<<"$out"
+check "the network section lists the IP adapters' addresses" grep -Eq '^        address +[0-9.]+/[0-9]+$' <<<"$out"
+check "the USB section counts its devices" grep -Eq '^  devices +[0-9]+$' <<<"$(sed -n '/^USB$/,$p' <<<"$out")"
 check "disk 0 has sizes in MiB and GB" grep -Ezq $'\n    size +[0-9]+ MiB\n    decimal size +[0-9]+ GB\n' <<<"$out"
 
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
 for key in processor memory disks battery smbios network sensors touchScreen graphics monitors \
-           display; do
+           display usb; do
   check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
 done
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"

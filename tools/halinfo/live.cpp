@@ -37,6 +37,7 @@ constexpr Section kSections[] = {
     {SensorsSection},
     {TouchScreenSection},
     {NetworkSection},
+    {UsbSection},
     {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
     {DriversSection, Shown::kWithDevicesOption},
 };

@@ -1,6 +1,7 @@
 // Network cards and the wireless side: the candidate cards with their kind and identity, the
-// Wi-Fi radio and chip maker, connectivity and the wireless gateway, through NetworkCard and
-// NetworkAdapter.
+// IP stack's adapters with their addresses, whether IP is ready, the Wi-Fi radio, chip maker and
+// connection, connectivity and the wireless gateway, through NetworkCard and NetworkAdapter.
+#include <iterator>
 #include <optional>
 #include <string>
 #include <thread>
@@ -69,6 +70,64 @@ Connectivity ReadConnectivity() {
   return answer;
 }
 
+// A list of texts: each a line of its own under the list's label.
+Node Texts(std::string key, std::string label, const char* item,
+           const std::vector<std::wstring>& texts) {
+  std::vector<Node> items;
+  for (const std::wstring& text : texts) items.push_back(Text("", item, ToUtf8(text)));
+  return Array(std::move(key), std::move(label), std::move(items));
+}
+
+const char* OperText(unsigned long status) {
+  static const char* const kStatus[] = {"?",       "up",      "down",        "testing",
+                                        "unknown", "dormant", "not present", "lower layer down"};
+  return status < std::size(kStatus) ? kStatus[status] : "?";
+}
+
+Node IpAdapterNode(const IpAdapterInfo& info) {
+  return Object("", ToUtf8(info.name),
+                {Text("name", "", ToUtf8(info.name)),
+                 Text("description", "description", ToUtf8(info.description)),
+                 Text("macAddress", "MAC address", ToUtf8(info.macAddress)),
+                 Text("status", "status", OperText(info.operStatus)),
+                 Number("ifType", "interface type", info.ifType),
+                 Number("linkSpeedMbitPerSecond", "link speed",
+                        Reported(info.linkSpeed / 1'000'000), "Mbit/s"),
+                 Flag("dhcp", "DHCP", info.dhcpEnabled),
+                 Texts("ipv4Addresses", "IPv4 addresses", "address", info.ipv4Addresses),
+                 Texts("ipv6Addresses", "IPv6 addresses", "address", info.ipv6Addresses),
+                 Texts("gateways", "gateways", "gateway", info.gateways),
+                 Texts("dnsServers", "DNS servers", "server", info.dnsServers)});
+}
+
+const char* IpStateText(IpStateInfo state) {
+  switch (state) {
+    case IpState_NoAdapter: return "no adapter";
+    case IpState_MediaDisconnected: return "media disconnected";
+    case IpState_NoAddress: return "no address from a network";
+    case IpState_Ready: return "ready";
+  }
+  return "?";
+}
+
+Node WifiConnectionNode(NetworkAdapter& adapter) {
+  WifiConnectionInfo info;
+  if (adapter.GetWifiConnectionInfo(info) != 1) return Leaf("connection", "connection", nullptr);
+  return Object(
+      "connection", "connection",
+      {Text("ssid", "SSID", ToUtf8(info.ssid)), Text("bssid", "BSSID", ToUtf8(info.bssid)),
+       Text("profile", "profile", ToUtf8(info.profileName)),
+       Number("signalQualityPercent", "signal quality", info.signalQuality, "%"),
+       Number("rssiDbm", "RSSI", info.rssi != 0 ? std::optional(info.rssi) : std::nullopt, "dBm"),
+       Number("channel", "channel", Reported(info.channel)),
+       Number("frequencyMHz", "frequency", Reported(info.frequencyMHz), "MHz"),
+       Text("phyType", "PHY", ToUtf8(info.phyType)),
+       Text("authentication", "authentication", ToUtf8(info.authentication)),
+       Text("cipher", "cipher", ToUtf8(info.cipher)),
+       Number("receiveRateKbitPerSecond", "receive rate", info.rxRateKbps, "kbit/s"),
+       Number("transmitRateKbitPerSecond", "transmit rate", info.txRateKbps, "kbit/s")});
+}
+
 }  // namespace
 
 Node NetworkSection() {
@@ -81,13 +140,23 @@ Node NetworkSection() {
   const Connectivity connectivity = ReadConnectivity();
   std::string gateway;
   adapter.GetWirelessGateWayIP(gateway);
+  std::vector<Node> ip_adapters;
+  IpAdapterInfo info;
+  for (unsigned long i = 0; adapter.GetIpInfo(i, info) == 1; ++i)
+    ip_adapters.push_back(IpAdapterNode(info));
+  IpStateInfo ip_state = IpState_NoAdapter;
+  adapter.CHeckIPReady(ip_state);
   return Object("network", "Network",
                 {Array("cards", "cards", std::move(candidates)),
+                 Array("adapters", "IP adapters", std::move(ip_adapters)),
+                 Text("ipState", "IP", IpStateText(ip_state)),
                  Object("wifi", "Wi-Fi",
                         {Text("radio", "radio", RadioText(adapter.GetWifiSwitchState())),
-                         Text("chipMaker", "chip maker", MakerText(adapter.GetWifiManuType()))}),
+                         Text("chipMaker", "chip maker", MakerText(adapter.GetWifiManuType())),
+                         WifiConnectionNode(adapter)}),
                  Flag("connected", "connected", connectivity.connected),
                  Flag("internet", "on the Internet", connectivity.internet),
+                 Flag("anyInternet", "any Internet", adapter.IsAnyInternetAvailable()),
                  Text("wirelessGateway", "wireless gateway", gateway)});
 }
 

@@ -27,6 +27,7 @@ Node TouchScreenSection();
 Node DevicesSection();
 Node NetworkSection();
 Node DriversSection();
+Node UsbSection();
 
 // The name of record index of a graphics block from GpInit (graphics_section.cpp).
 std::wstring GraphicsAdapterName(const GpAdapterList* block, uint32_t index);
