@@ -1,8 +1,8 @@
 // The IP stack's adapter tables as a test sets them: for GetAdaptersInfo, adapters with a
-// description and a gateway; for GetAdaptersAddresses, adapters with names, a MAC address,
-// addresses in text (parsed by the system's own inet_pton) and link facts. Both are laid out as
-// the system lays them out, as chains inside the caller's buffer. Records the buffer size of
-// every call.
+// description and a gateway; for GetAdaptersAddresses, adapters with a type, a status and
+// unicast addresses in text (parsed by the system's own inet_pton). Both are laid out as the
+// system lays them out, as chains inside the caller's buffer. Records the buffer size of every
+// call.
 #pragma once
 
 #include "platform/win32.h"
@@ -23,21 +23,15 @@ class FakeIpHelper final : public os::IpHelper {
     std::string gateway;
   };
   struct IpAdapter {
-    std::wstring name, description;
-    std::vector<BYTE> mac;
-    std::vector<std::pair<std::string, UINT8>> unicast;  // address, prefix length
-    std::vector<std::string> gateways, dns_servers;
-    IF_OPER_STATUS status = IfOperStatusUp;
     IFTYPE type = IF_TYPE_ETHERNET_CSMACD;
-    bool dhcp = true;
-    ULONG64 speed = 1'000'000'000;
+    IF_OPER_STATUS status = IfOperStatusUp;
+    std::vector<std::pair<std::string, UINT8>> unicast;  // address, prefix length
   };
 
   std::vector<Adapter> adapters;
   std::vector<IpAdapter> ip_adapters;
   ULONG failure = ERROR_SUCCESS;  // otherwise every call answers it
   std::vector<ULONG> offered;
-  std::vector<ULONG> flags_seen;
 
   ULONG GetAdaptersInfo(IP_ADAPTER_INFO* table, ULONG* size) override {
     if (size == nullptr) return ERROR_INVALID_PARAMETER;

@@ -3,7 +3,10 @@
 #include <winioctl.h>
 #include <usbioctl.h>
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
+#include <map>
 
 #include "platform/device_classes.h"
 #include "platform/device_property_keys.h"
@@ -14,56 +17,57 @@ namespace {
 
 using Ioctl = FakeDeviceIo::Ioctl;
 
-ULONG PortOf(const std::vector<BYTE>& in) {
-  ULONG port = 0;
-  if (in.size() >= sizeof(port)) std::memcpy(&port, in.data(), sizeof(port));
-  return port;
+// An answer by the port the request names; a port without a device gets `empty`.
+Ioctl PerPort(std::vector<FakeUsbDevice> devices,
+              std::function<Ioctl(const FakeUsbDevice&, const std::vector<BYTE>&)> answer,
+              Ioctl empty = FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER)) {
+  Ioctl ioctl;
+  ioctl.by_input = [devices, answer, empty](const std::vector<BYTE>& in) {
+    ULONG port = 0;
+    std::memcpy(&port, in.data(), std::min(in.size(), sizeof(port)));
+    for (const FakeUsbDevice& device : devices) {
+      if (device.port == port) return answer(device, in);
+    }
+    return empty;
+  };
+  return ioctl;
 }
 
-const FakeUsbDevice* On(const std::vector<FakeUsbDevice>& devices, ULONG port) {
-  for (const FakeUsbDevice& device : devices) {
-    if (device.port == port) return &device;
-  }
-  return nullptr;
+UCHAR Index(const FakeUsbDevice& device, size_t which) {
+  return which < device.strings.size() && !device.strings[which].empty() ? which + 1 : 0;
 }
 
-UCHAR StringIndex(const FakeUsbDevice& device, size_t which) {
-  return which < device.strings.size() && !device.strings[which].empty()
-             ? static_cast<UCHAR>(which + 1)
-             : 0;
-}
-
-Ioctl Connection(ULONG port, const FakeUsbDevice* device) {
+Ioctl Connection(const FakeUsbDevice& device, const std::vector<BYTE>& in) {
   USB_NODE_CONNECTION_INFORMATION_EX info{};
-  info.ConnectionIndex = port;
-  if (device != nullptr) {
-    USB_DEVICE_DESCRIPTOR& d = info.DeviceDescriptor;
-    d.bLength = sizeof(d);
-    d.bDescriptorType = USB_DEVICE_DESCRIPTOR_TYPE;
-    d.bcdUSB = 0x0210;
-    d.bDeviceClass = device->hub.empty() ? 0 : 9;
-    d.idVendor = device->vendor_id;
-    d.idProduct = device->product_id;
-    d.bcdDevice = 0x0100;
-    d.iManufacturer = StringIndex(*device, 0);
-    d.iProduct = StringIndex(*device, 1);
-    d.iSerialNumber = StringIndex(*device, 2);
-    info.Speed = device->speed;
-    info.DeviceIsHub = !device->hub.empty();
-    info.DeviceAddress = static_cast<USHORT>(port + 1);
-    info.ConnectionStatus = DeviceConnected;
-  }
+  std::memcpy(&info.ConnectionIndex, in.data(), sizeof(ULONG));
+  info.DeviceDescriptor = {sizeof(USB_DEVICE_DESCRIPTOR),
+                           USB_DEVICE_DESCRIPTOR_TYPE,
+                           0x0210,
+                           static_cast<UCHAR>(device.hub.empty() ? 0 : 9),
+                           0,
+                           0,
+                           64,
+                           device.vendor_id,
+                           device.product_id,
+                           0x0100,
+                           Index(device, 0),
+                           Index(device, 1),
+                           Index(device, 2),
+                           1};
+  info.Speed = device.speed;
+  info.DeviceIsHub = !device.hub.empty();
+  info.DeviceAddress = static_cast<USHORT>(info.ConnectionIndex + 1);
+  info.ConnectionStatus = DeviceConnected;
   return FakeDeviceIo::Answer(Bytes(info));
 }
 
-// The request's header, then the string descriptor: language IDs for index 0.
-Ioctl StringDescriptor(const std::vector<BYTE>& request, const FakeUsbDevice& device) {
+// The request's header, then the string descriptor: the language IDs for index 0.
+Ioctl StringDescriptor(const FakeUsbDevice& device, const std::vector<BYTE>& in) {
   USB_DESCRIPTOR_REQUEST header{};
-  std::memcpy(&header, request.data(), std::min(request.size(), sizeof(header)));
+  std::memcpy(&header, in.data(), sizeof(header));
   const size_t index = header.SetupPacket.wValue & 0xFF;
-  std::wstring text = index == 0 ? std::wstring(1, L'\x0409') : L"";
-  if (index != 0 && index <= device.strings.size()) text = device.strings[index - 1];
-  if (device.strings.empty() || (index != 0 && text.empty())) return FakeDeviceIo::Failure(31);
+  const std::wstring text = index == 0 ? L"\x0409" : device.strings.at(index - 1);
+  if (device.strings.empty()) return FakeDeviceIo::Failure(ERROR_GEN_FAILURE);  // a stall
   std::vector<BYTE> answer = Bytes(header);
   answer.push_back(static_cast<BYTE>(2 + 2 * text.size()));
   answer.push_back(USB_STRING_DESCRIPTOR_TYPE);
@@ -85,69 +89,47 @@ Ioctl UsbNameAnswer(const std::wstring& name, bool port_header) {
   return ioctl;
 }
 
-void FakeUsb::DatabaseDevice(const std::wstring& driver_key, const std::wstring& description) {
-  if (driver_key.empty()) return;
+std::wstring FakeUsb::DriverKey(const std::wstring& description) {
+  if (description.empty()) return {};
+  const std::wstring key =
+      L"{36fc9e60-c465-11cf-8056-444553540000}\\" + std::to_wstring(database_.devices.size());
   database_.Add(device_class::kUsb)
-      .String(DEVPROPKEY{device_keys::kDeviceSet, 11}, driver_key)
+      .String(DEVPROPKEY{device_keys::kDeviceSet, 11}, key)  // DEVPKEY_Device_Driver
       .Description(description);
+  return key;
 }
 
-void FakeUsb::Controller(const std::wstring& path, const std::wstring& driver_key,
-                         const std::wstring& description, const std::wstring& root_hub) {
+void FakeUsb::Controller(const std::wstring& path, const std::wstring& description,
+                         const std::wstring& root_hub) {
   database_.Add(device_class::kUsb).interfaces = {{device_interface::kUsbHostController, path}};
-  DatabaseDevice(driver_key, description);
   FakeDeviceIo::Device& device = io_.devices[path];
   device.ioctls[IOCTL_USB_GET_ROOT_HUB_NAME] = UsbNameAnswer(root_hub, false);
-  device.ioctls[IOCTL_GET_HCD_DRIVERKEY_NAME] = UsbNameAnswer(driver_key, false);
+  device.ioctls[IOCTL_GET_HCD_DRIVERKEY_NAME] = UsbNameAnswer(DriverKey(description), false);
 }
 
-void FakeUsb::Hub(const FakeUsbHub& hub) {
-  for (const FakeUsbDevice& attached : hub.devices)
-    DatabaseDevice(attached.driver_key, attached.description);
-  FakeDeviceIo::Device& device = io_.devices[HubPath(hub.name)];
+void FakeUsb::Hub(const std::wstring& name, uint8_t ports,
+                  const std::vector<FakeUsbDevice>& devices) {
+  std::map<uint32_t, std::wstring> keys;  // by port
+  for (const FakeUsbDevice& device : devices) keys[device.port] = DriverKey(device.description);
+  auto& ioctls = io_.devices[HubPath(name)].ioctls;
   USB_NODE_INFORMATION node{};
-  node.NodeType = UsbHub;
-  node.u.HubInformation.HubDescriptor.bDescriptorLength = 9;
-  node.u.HubInformation.HubDescriptor.bDescriptorType = 0x29;
-  node.u.HubInformation.HubDescriptor.bNumberOfPorts = hub.ports;
-  device.ioctls[IOCTL_USB_GET_NODE_INFORMATION] = FakeDeviceIo::Answer(Bytes(node));
-  const std::vector<FakeUsbDevice> devices = hub.devices;
-  const auto per_port = [devices](Ioctl (*answer)(ULONG, const FakeUsbDevice&)) {
-    Ioctl ioctl;
-    ioctl.by_input = [devices, answer](const std::vector<BYTE>& in) {
-      const FakeUsbDevice* attached = On(devices, PortOf(in));
-      return attached ? answer(PortOf(in), *attached)
-                      : FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER);
-    };
-    return ioctl;
-  };
-  Ioctl connection;
-  connection.by_input = [devices](const std::vector<BYTE>& in) {
-    return Connection(PortOf(in), On(devices, PortOf(in)));
-  };
-  device.ioctls[IOCTL_USB_GET_NODE_CONNECTION_INFORMATION_EX] = connection;
-  device.ioctls[IOCTL_USB_GET_NODE_CONNECTION_INFORMATION_EX_V2] =
-      per_port([](ULONG port, const FakeUsbDevice& d) {
-        USB_NODE_CONNECTION_INFORMATION_EX_V2 v2{};
-        v2.ConnectionIndex = port;
-        v2.Length = sizeof(v2);
-        v2.Flags.ul = d.v2_flags;
-        return FakeDeviceIo::Answer(Bytes(v2));
-      });
-  device.ioctls[IOCTL_USB_GET_NODE_CONNECTION_NAME] =
-      per_port([](ULONG, const FakeUsbDevice& d) { return UsbNameAnswer(d.hub, true); });
-  device.ioctls[IOCTL_USB_GET_NODE_CONNECTION_DRIVERKEY_NAME] =
-      per_port([](ULONG, const FakeUsbDevice& d) {
-        return d.driver_key.empty() ? FakeDeviceIo::Failure(ERROR_NOT_FOUND)
-                                    : UsbNameAnswer(d.driver_key, true);
-      });
-  Ioctl strings;
-  strings.by_input = [devices](const std::vector<BYTE>& in) {
-    const FakeUsbDevice* attached = On(devices, PortOf(in));
-    return attached ? StringDescriptor(in, *attached)
-                    : FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER);
-  };
-  device.ioctls[IOCTL_USB_GET_DESCRIPTOR_FROM_NODE_CONNECTION] = strings;
+  node.u.HubInformation.HubDescriptor = {9, 0x29, ports, 0, 0, 0, {}};
+  ioctls[IOCTL_USB_GET_NODE_INFORMATION] = FakeDeviceIo::Answer(Bytes(node));
+  // An empty port answers a zeroed structure: NoDeviceConnected.
+  ioctls[IOCTL_USB_GET_NODE_CONNECTION_INFORMATION_EX] = PerPort(
+      devices, Connection, FakeDeviceIo::Answer(Bytes(USB_NODE_CONNECTION_INFORMATION_EX{})));
+  ioctls[IOCTL_USB_GET_NODE_CONNECTION_INFORMATION_EX_V2] = PerPort(devices, [](auto& d, auto&) {
+    USB_NODE_CONNECTION_INFORMATION_EX_V2 v2{};
+    v2.Flags.ul = d.v2_flags;
+    return FakeDeviceIo::Answer(Bytes(v2));
+  });
+  ioctls[IOCTL_USB_GET_NODE_CONNECTION_NAME] =
+      PerPort(devices, [](auto& d, auto&) { return UsbNameAnswer(d.hub, true); });
+  ioctls[IOCTL_USB_GET_NODE_CONNECTION_DRIVERKEY_NAME] = PerPort(devices, [keys](auto& d, auto&) {
+    const std::wstring& key = keys.at(d.port);
+    return key.empty() ? FakeDeviceIo::Failure(ERROR_NOT_FOUND) : UsbNameAnswer(key, true);
+  });
+  ioctls[IOCTL_USB_GET_DESCRIPTOR_FROM_NODE_CONNECTION] = PerPort(devices, StringDescriptor);
 }
 
 }  // namespace velhal::testing

@@ -22,7 +22,6 @@
 #include <initguid.h>
 #include <netlistmgr.h>
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -124,11 +123,11 @@ TEST(NetworkBackendTest, RadioStateAgreesWithTheWlanService) {
   EXPECT_EQ(NetworkAdapter().GetWifiSwitchState(), ReadRadio());
 }
 
-// The test's own adapter walk: the same table, loopback and tunnels left out, addresses
-// written by the system's inet_ntop.
+// The test's own walk of the same table, loopback and tunnels left out, with the system's
+// inet_ntop writing the addresses.
 std::wstring Ntop(const SOCKET_ADDRESS& address) {
   char text[INET6_ADDRSTRLEN] = {};
-  const sockaddr* raw = address.lpSockaddr;
+  const auto* raw = address.lpSockaddr;
   const void* bytes =
       raw->sa_family == AF_INET
           ? static_cast<const void*>(&reinterpret_cast<const sockaddr_in*>(raw)->sin_addr)
@@ -137,117 +136,49 @@ std::wstring Ntop(const SOCKET_ADDRESS& address) {
   return std::wstring(text, text + std::strlen(text));
 }
 
-struct OwnAdapter {
-  IpAdapterInfo info;
-  bool up_with_network_address = false;
-};
-
-std::vector<OwnAdapter> OwnAdapters() {
+TEST(NetworkBackendTest, AdaptersByIndexAgreeWithTheTestsOwnWalk) {
   ULONG size = 64 * 1024;
   std::vector<BYTE> table(size);
   auto* first = reinterpret_cast<IP_ADAPTER_ADDRESSES*>(table.data());
-  std::vector<OwnAdapter> adapters;
-  if (::GetAdaptersAddresses(AF_UNSPEC, GAA_FLAG_INCLUDE_GATEWAYS, nullptr, first, &size) != 0)
-    return adapters;
+  ASSERT_EQ(::GetAdaptersAddresses(AF_UNSPEC, GAA_FLAG_INCLUDE_GATEWAYS, nullptr, first, &size),
+            0u);
+  NetworkAdapter adapter;
+  unsigned long index = 0;
+  int wireless = -1;
   for (auto* a = first; a != nullptr; a = a->Next) {
     if (a->IfType == IF_TYPE_SOFTWARE_LOOPBACK || a->IfType == IF_TYPE_TUNNEL) continue;
-    OwnAdapter own;
-    own.info.name = a->FriendlyName;
-    own.info.description = a->Description;
+    SCOPED_TRACE(index);
+    IpAdapterInfo info;
+    ASSERT_EQ(adapter.GetIpInfo(index, info), 1);
+    EXPECT_EQ(info.name, a->FriendlyName);
+    EXPECT_EQ(info.description, a->Description);
+    std::wstring mac;
     for (ULONG i = 0; i < a->PhysicalAddressLength; ++i) {
       wchar_t pair[4] = {};
       swprintf(pair, 4, i ? L":%02X" : L"%02X", a->PhysicalAddress[i]);
-      own.info.macAddress += pair;
+      mac += pair;
     }
+    EXPECT_EQ(info.macAddress, mac);
+    std::vector<std::wstring> v4, v6, gateways, dns;
     for (auto* u = a->FirstUnicastAddress; u != nullptr; u = u->Next) {
-      const bool v4 = u->Address.lpSockaddr->sa_family == AF_INET;
-      const std::wstring text = Ntop(u->Address);
-      (v4 ? own.info.ipv4Addresses : own.info.ipv6Addresses)
-          .push_back(text + L"/" + std::to_wstring(u->OnLinkPrefixLength));
-      own.up_with_network_address |= a->OperStatus == IfOperStatusUp &&
-                                     text.rfind(L"169.254.", 0) != 0 &&
-                                     text.rfind(L"fe80:", 0) != 0;
+      (u->Address.lpSockaddr->sa_family == AF_INET ? v4 : v6)
+          .push_back(Ntop(u->Address) + L"/" + std::to_wstring(u->OnLinkPrefixLength));
     }
     for (auto* g = a->FirstGatewayAddress; g != nullptr; g = g->Next)
-      own.info.gateways.push_back(Ntop(g->Address));
+      gateways.push_back(Ntop(g->Address));
     for (auto* d = a->FirstDnsServerAddress; d != nullptr; d = d->Next)
-      own.info.dnsServers.push_back(Ntop(d->Address));
-    own.info.dhcpEnabled = a->Dhcpv4Enabled;
-    own.info.operStatus = a->OperStatus;
-    own.info.ifType = a->IfType;
-    adapters.push_back(std::move(own));
+      dns.push_back(Ntop(d->Address));
+    EXPECT_EQ(info.ipv4Addresses, v4);
+    EXPECT_EQ(info.ipv6Addresses, v6);
+    EXPECT_EQ(info.gateways, gateways);
+    EXPECT_EQ(info.dnsServers, dns);
+    EXPECT_EQ(info.dhcpEnabled, a->Dhcpv4Enabled != 0);
+    EXPECT_EQ(adapter.GetOperStatusByIndex(index), static_cast<unsigned long>(a->OperStatus));
+    if (wireless < 0 && a->IfType == IF_TYPE_IEEE80211) wireless = static_cast<int>(index);
+    ++index;
   }
-  return adapters;
-}
-
-TEST(NetworkBackendTest, AdaptersByIndexAgreeWithTheTestsOwnWalk) {
-  const std::vector<OwnAdapter> own = OwnAdapters();
-  NetworkAdapter adapter;
-  ASSERT_EQ(adapter.GetAdapterCount(), own.size());
-  int wireless = -1;
-  for (unsigned long i = 0; i < own.size(); ++i) {
-    SCOPED_TRACE(i);
-    const IpAdapterInfo& expected = own[i].info;
-    IpAdapterInfo info;
-    ASSERT_EQ(adapter.GetIpInfo(i, info), 1);
-    EXPECT_EQ(info.name, expected.name);
-    EXPECT_EQ(info.description, expected.description);
-    EXPECT_EQ(info.macAddress, expected.macAddress);
-    EXPECT_EQ(info.ipv4Addresses, expected.ipv4Addresses);
-    EXPECT_EQ(info.ipv6Addresses, expected.ipv6Addresses);
-    EXPECT_EQ(info.gateways, expected.gateways);
-    EXPECT_EQ(info.dnsServers, expected.dnsServers);
-    EXPECT_EQ(info.dhcpEnabled, expected.dhcpEnabled);
-    EXPECT_EQ(adapter.GetOperStatusByIndex(i), expected.operStatus);
-    if (wireless < 0 && expected.ifType == IF_TYPE_IEEE80211) wireless = static_cast<int>(i);
-  }
+  EXPECT_EQ(adapter.GetAdapterCount(), index);
   EXPECT_EQ(adapter.GetWireLessIndex(), wireless);
-}
-
-TEST(NetworkBackendTest, IpReadinessAgreesWithTheTestsOwnWalk) {
-  const std::vector<OwnAdapter> own = OwnAdapters();
-  const bool ready = std::any_of(own.begin(), own.end(),
-                                 [](const OwnAdapter& a) { return a.up_with_network_address; });
-  IpStateInfo state = IpState_NoAdapter;
-  EXPECT_EQ(NetworkAdapter().CHeckIPReady(state), ready);
-  if (own.empty()) {
-    EXPECT_EQ(state, IpState_NoAdapter);
-  }
-}
-
-TEST(NetworkBackendTest, WifiConnectionAgreesWithTheWlanService) {
-  DWORD version = 0;
-  HANDLE client = nullptr;
-  WLAN_INTERFACE_INFO_LIST* list = nullptr;
-  bool connected = false;
-  if (::WlanOpenHandle(2, nullptr, &version, &client) == ERROR_SUCCESS &&
-      ::WlanEnumInterfaces(client, nullptr, &list) == ERROR_SUCCESS) {
-    for (DWORD i = 0; i < list->dwNumberOfItems; ++i)
-      connected |= list->InterfaceInfo[i].isState == wlan_interface_state_connected;
-  }
-  if (list != nullptr) ::WlanFreeMemory(list);
-  if (client != nullptr) ::WlanCloseHandle(client, nullptr);
-  WifiConnectionInfo info;
-  EXPECT_EQ(NetworkAdapter().GetWifiConnectionInfo(info), connected ? 1 : 0);
-}
-
-TEST(NetworkBackendTest, AnyInternetAgreesAndLeavesTheThreadWithoutCom) {
-  ASSERT_EQ(::CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-  std::optional<bool> expected;
-  INetworkListManager* manager = nullptr;
-  if (SUCCEEDED(::CoCreateInstance(CLSID_NetworkListManager, nullptr, CLSCTX_ALL,
-                                   IID_INetworkListManager, reinterpret_cast<void**>(&manager)))) {
-    NLM_CONNECTIVITY connectivity{};
-    if (SUCCEEDED(manager->GetConnectivity(&connectivity)))
-      expected =
-          (connectivity & (NLM_CONNECTIVITY_IPV4_INTERNET | NLM_CONNECTIVITY_IPV6_INTERNET)) != 0;
-    manager->Release();
-  }
-  ::CoUninitialize();
-  EXPECT_EQ(NetworkAdapter().IsAnyInternetAvailable(), expected.value_or(false));
-  APTTYPE type{};
-  APTTYPEQUALIFIER qualifier{};
-  EXPECT_EQ(::CoGetApartmentType(&type, &qualifier), CO_E_NOTINITIALIZED);
 }
 
 }  // namespace

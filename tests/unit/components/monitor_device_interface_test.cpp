@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cwctype>
 #include <fstream>
 #include <iterator>
 
@@ -14,24 +13,25 @@
 namespace {
 
 using velhal::testing::FakeDisplay;
-using velhal::testing::FakeValue;
 
-constexpr wchar_t kPanel[] =
-    L"\\\\?\\DISPLAY#BOE0812#4&2c5d5b8e&0&UID265988#{e6f07b5f-ee97-4a90-b076-33f57bf4eaa7}";
-constexpr wchar_t kExternal[] =
-    L"\\\\?\\DISPLAY#DELA0B3#5&2a3b4c5d&0&UID4352#{e6f07b5f-ee97-4a90-b076-33f57bf4eaa7}";
+constexpr wchar_t kPanel[] = L"\\\\?\\DISPLAY#BOE0812#4&2c5d5b8e&0&UID265988#{e6f07b5f}";
+constexpr wchar_t kExternal[] = L"\\\\?\\DISPLAY#DELA0B3#5&2a3b4c5d&0&UID4352#{e6f07b5f}";
+constexpr wchar_t kPanelBrightness[] =
+    L"SELECT CurrentBrightness FROM WmiMonitorBrightness WHERE InstanceName = "
+    L"'DISPLAY\\\\BOE0812\\\\4&2C5D5B8E&0&UID265988_0'";
 
 DISPLAYCONFIG_PATH_INFO PathTo(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY technology, UINT32 index) {
   DISPLAYCONFIG_PATH_INFO path = FakeDisplay::Path(technology, 60, 1);
-  path.targetInfo.id = index;
-  path.sourceInfo.modeInfoIdx = index;
+  path.targetInfo.id = path.sourceInfo.modeInfoIdx = index;
   return path;
 }
 
 class MonitorDeviceInterfaceTest : public ::testing::Test {
  protected:
-  // A notebook's panel and an external monitor on a second adapter, and an adapter off the
-  // desktop; the configuration names the panel's interface in upper case, as Windows may.
+  // A notebook's panel, an external monitor on a second adapter (after an inactive one), and an
+  // adapter off the desktop. The configuration names the panel without a name but with EDID IDs
+  // (its interface in upper case, as Windows may), the monitor with a name but no preferred mode
+  // (as Wine answers); the monitor's key holds an EDID.
   MonitorDeviceInterfaceTest() {
     os_.display.adapters = {
         {L"\\\\.\\DISPLAY1",
@@ -46,11 +46,8 @@ class MonitorDeviceInterfaceTest : public ::testing::Test {
                          PathTo(DISPLAYCONFIG_OUTPUT_TECHNOLOGY_DISPLAYPORT_EXTERNAL, 1)};
     os_.display.mode_entries = {FakeDisplay::SourceMode(1920, 1200, 0, 0),
                                 FakeDisplay::SourceMode(1920, 1080, 1920, -120)};
-    std::wstring upper = kPanel;
-    for (wchar_t& c : upper) c = static_cast<wchar_t>(std::towupper(c));
-    // The panel: no name, the EDID's maker and product code; the monitor: a name, no preferred
-    // mode (as Wine answers), and an EDID in its registry key.
-    os_.display.targets = {{upper, L"", true, 0xE509, 0x0812, 1920, 1200},
+    os_.display.targets = {{L"\\\\?\\DISPLAY#BOE0812#4&2C5D5B8E&0&UID265988#{E6F07B5F}", L"", true,
+                            0xE509, 0x0812, 1920, 1200},
                            {kExternal, L"DELL D3218HN", true, 0xAC10, 0xA0B3, 0, 0}};
     std::ifstream file(VELHAL_TEST_DATA_DIR "/edid/dell-d3218hn.bin", std::ios::binary);
     edid_.assign(std::istreambuf_iterator<char>(file), {});
@@ -58,85 +55,62 @@ class MonitorDeviceInterfaceTest : public ::testing::Test {
         L"SYSTEM\\CurrentControlSet\\Enum\\DISPLAY\\DELA0B3\\5&2A3B4C5D&0&UID4352"
         L"\\Device Parameters",
         L"EDID", REG_BINARY, edid_);
-    os_.wmi.Script(L"ROOT\\WMI",
-                   L"SELECT CurrentBrightness FROM WmiMonitorBrightness WHERE InstanceName = "
-                   L"'DISPLAY\\\\BOE0812\\\\4&2C5D5B8E&0&UID265988_0'",
-                   L"CurrentBrightness", {FakeValue::UInt32(70)});
-    // DISPLAY2's one physical monitor: its inactive Monitor0 is none.
-    dxva2_.monitors[1] = {{20, 35, 50}};
+    os_.wmi.Script(L"ROOT\\WMI", kPanelBrightness, L"CurrentBrightness",
+                   {velhal::testing::FakeValue::UInt32(70)});
+    dxva2_.monitors[1] = {{20, 35, 50}};  // DISPLAY2's one physical monitor
   }
 
   velhal::testing::FakeSystem os_;
   velhal::testing::FakeDxva2 dxva2_{os_.module};
   std::vector<BYTE> edid_;
-  MonitorDeviceInterface monitors_;
 };
 
-TEST_F(MonitorDeviceInterfaceTest, InternalAndExternalMonitorsJoinTheirSources) {
-  const std::vector<MonitorInfo> monitors = monitors_.GetMonitors();
+TEST_F(MonitorDeviceInterfaceTest, MonitorsJoinTheirPathsEdidAndBrightness) {
+  MonitorDeviceInterface monitor_interface;
+  const std::vector<MonitorInfo> monitors = monitor_interface.GetMonitors();
   ASSERT_EQ(monitors.size(), 2u);
-  EXPECT_EQ(monitors_.GetMonitorNumber(), 2u);
-
+  EXPECT_EQ(monitor_interface.GetMonitorNumber(), 2u);
   const MonitorInfo& panel = monitors[0];
   EXPECT_EQ(panel.deviceId, L"DISPLAY\\BOE0812\\4&2C5D5B8E&0&UID265988");
-  EXPECT_EQ(panel.adapterName, L"\\\\.\\DISPLAY1");
-  EXPECT_TRUE(panel.primary);
-  EXPECT_TRUE(panel.internal);
+  EXPECT_TRUE(panel.primary && panel.internal);
   EXPECT_EQ(panel.friendlyName, L"Generic Monitor");  // neither the configuration nor an EDID
-  EXPECT_EQ(panel.manufacturerId, L"BOE");            // the configuration's EDID IDs
-  EXPECT_EQ(panel.productCode, 0x0812u);
-  EXPECT_TRUE(panel.edid.empty());
+  EXPECT_EQ(panel.manufacturerId + L" " + std::to_wstring(panel.productCode), L"BOE 2066");
   EXPECT_EQ(panel.nativeWidth, 1920u);
-  EXPECT_EQ(panel.nativeHeight, 1200u);
   EXPECT_EQ(panel.brightness, 70);
 
   const MonitorInfo& external = monitors[1];
   EXPECT_EQ(external.deviceName, L"\\\\.\\DISPLAY2\\Monitor1");
-  EXPECT_FALSE(external.primary);
-  EXPECT_FALSE(external.internal);
-  EXPECT_EQ(external.outputTechnology,
-            static_cast<uint32_t>(DISPLAYCONFIG_OUTPUT_TECHNOLOGY_DISPLAYPORT_EXTERNAL));
+  EXPECT_FALSE(external.primary || external.internal);
   EXPECT_EQ(external.friendlyName, L"DELL D3218HN");
   EXPECT_EQ(external.positionX, 1920);
   EXPECT_EQ(external.positionY, -120);
-  EXPECT_EQ(external.width, 1920u);
-  EXPECT_EQ(external.height, 1080u);
   EXPECT_EQ(external.edid, edid_);
-  EXPECT_EQ(external.edidName, L"D3218HN");
-  EXPECT_EQ(external.manufacturerId, L"DEL");
+  EXPECT_EQ(external.edidName + L" " + external.manufacturerId, L"D3218HN DEL");
   EXPECT_EQ(external.productCode, 8203u);  // the EDID's own, not the configuration's
-  EXPECT_EQ(external.edidVersion, L"1.3");
   EXPECT_EQ(external.nativeWidth, 1920u);  // the EDID's first detailed timing
-  EXPECT_EQ(external.nativeHeight, 1080u);
-  EXPECT_EQ(external.brightness, 50);  // 35 in 20-50
+  EXPECT_EQ(external.brightness, 50);      // 35 in 20-50
 
   MonitorInfo info;
-  EXPECT_EQ(monitors_.GetMonitorByIndex(1, info), 1);
+  EXPECT_EQ(monitor_interface.GetMonitorByIndex(1, info), 1);
   EXPECT_EQ(info.deviceId, external.deviceId);
-  EXPECT_EQ(monitors_.GetMonitorByIndex(2, info), 0);
+  EXPECT_EQ(monitor_interface.GetMonitorByIndex(2, info), 0);
 }
 
 TEST_F(MonitorDeviceInterfaceTest, WhatIsNotOfferedIsLeftUnknown) {
-  // No WMI brightness class (as on a desktop, or Wine) and a monitor without DDC/CI.
-  os_.wmi.Script(L"ROOT\\WMI",
-                 L"SELECT CurrentBrightness FROM WmiMonitorBrightness WHERE InstanceName = "
-                 L"'DISPLAY\\\\BOE0812\\\\4&2C5D5B8E&0&UID265988_0'",
-                 L"CurrentBrightness", {}, static_cast<HRESULT>(0x80041010));
+  // No WMI brightness class (a desktop, or Wine), no DDC/CI, then no display configuration.
+  os_.wmi.Script(L"ROOT\\WMI", kPanelBrightness, L"CurrentBrightness", {},
+                 static_cast<HRESULT>(0x80041010));
   dxva2_.monitors[1][0].answers = FALSE;
-  std::vector<MonitorInfo> monitors = monitors_.GetMonitors();
+  std::vector<MonitorInfo> monitors = MonitorDeviceInterface().GetMonitors();
   ASSERT_EQ(monitors.size(), 2u);
   EXPECT_EQ(monitors[0].brightness, -1);
   EXPECT_EQ(monitors[1].brightness, -1);
-
-  // Without the display configuration: names from the EDID, else the adapter's device string.
   os_.display.paths.clear();
-  monitors = monitors_.GetMonitors();
+  monitors = MonitorDeviceInterface().GetMonitors();
   ASSERT_EQ(monitors.size(), 2u);
-  EXPECT_EQ(monitors[0].friendlyName, L"Generic Monitor");
   EXPECT_EQ(monitors[0].outputTechnology, 0xFFFFFFFFu);
-  EXPECT_FALSE(monitors[0].internal);
   EXPECT_EQ(monitors[0].manufacturerId, L"");
-  EXPECT_EQ(monitors[1].friendlyName, L"D3218HN");
+  EXPECT_EQ(monitors[1].friendlyName, L"D3218HN");  // the EDID's name
   EXPECT_EQ(monitors[1].width, 0u);
 }
 
