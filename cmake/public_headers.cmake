@@ -11,14 +11,20 @@ set(VELHAL_PUBLIC_HEADERS
   firmware/hardware_config.h
   firmware/smbios_helper.h
   firmware/system_info.h
+  firmware/device_id.h
+  firmware/system_environment_info.h
   components/bios_wmi.h
   components/audio_card.h
   components/biometric.h
+  components/bluetooth.h
+  components/component_device.h
+  components/keyboard.h
   drivers/device_driver_type.h
   drivers/device_driver.h
   network/network_adapter.h
   network/network_card.h
   platform/device_informention.h
+  platform/file_process.h
   platform/read_reg.h
   platform/service_helpers.h
   platform/string_conversion.h

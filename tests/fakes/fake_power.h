@@ -17,6 +17,7 @@ class FakePower final : public os::Power {
   SYSTEM_BATTERY_STATE battery{};
   int battery_failures = 0;
   int status_calls = 0, battery_calls = 0;
+  POWER_PLATFORM_ROLE role = PlatformRoleDesktop;  // PlatformRoleUnspecified: the call is missing
 
   FakePower() {
     status.ACLineStatus = 1;
@@ -39,6 +40,9 @@ class FakePower final : public os::Power {
     if (Fails(battery_failures)) return static_cast<LONG>(0xC0000001);  // STATUS_UNSUCCESSFUL
     std::memcpy(out, &battery, sizeof(battery));
     return 0;
+  }
+  POWER_PLATFORM_ROLE PowerDeterminePlatformRoleEx(ULONG version) override {
+    return version == POWER_PLATFORM_ROLE_V2 ? role : PlatformRoleUnspecified;
   }
 
  private:

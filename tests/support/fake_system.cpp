@@ -27,6 +27,13 @@ FakeSystem::~FakeSystem() {
   EXPECT_EQ(wlan.open_handles(), 0u) << "a WLAN handle was left open";
   EXPECT_EQ(wlan.unfreed(), 0u) << "WLAN memory was not freed";
   EXPECT_EQ(wlan.bad_closes + wlan.bad_frees, 0);
+  EXPECT_EQ(desktop.open_dcs, 0) << "a screen device context was not released";
+  EXPECT_EQ(security.open_tokens, 0) << "a token was left open";
+  EXPECT_EQ(security.bad_closes, 0);
+  EXPECT_EQ(bluetooth.open_finds + bluetooth.open_radios, 0) << "a radio handle was left open";
+  EXPECT_EQ(bluetooth.bad_closes, 0);
+  EXPECT_EQ(biometric.unfreed(), 0u) << "biometric units were not freed";
+  EXPECT_EQ(biometric.bad_frees, 0);
 }
 
 }  // namespace velhal::testing

@@ -25,6 +25,12 @@
 #include "tests/fakes/fake_system_info.h"
 #include "tests/fakes/fake_wlan.h"
 #include "tests/fakes/fake_wmi.h"
+#include "tests/fakes/fake_biometric.h"
+#include "tests/fakes/fake_bluetooth.h"
+#include "tests/fakes/fake_desktop.h"
+#include "tests/fakes/fake_file_system.h"
+#include "tests/fakes/fake_locale.h"
+#include "tests/fakes/fake_security.h"
 #include "tests/fakes/scratch_registry.h"
 
 namespace velhal::testing {
@@ -51,6 +57,12 @@ class FakeSystem {
   FakeCom com{FakeCom::Apartment::kMta};  // the host's apartment
   FakeWlan wlan;
   FakeIpHelper ip_helper;
+  FakeLocale locale;
+  FakeDesktop desktop;
+  FakeSecurity security;
+  FakeBluetooth bluetooth;
+  FakeBiometric biometric;
+  FakeFileSystem file_system;
 
  private:
   template <class Facility>
@@ -70,6 +82,12 @@ class FakeSystem {
   Guard<os::Com> com_guard_{com};
   Guard<os::Wlan> wlan_guard_{wlan};
   Guard<os::IpHelper> ip_helper_guard_{ip_helper};
+  Guard<os::Locale> locale_guard_{locale};
+  Guard<os::Desktop> desktop_guard_{desktop};
+  Guard<os::Security> security_guard_{security};
+  Guard<os::Bluetooth> bluetooth_guard_{bluetooth};
+  Guard<os::Biometric> biometric_guard_{biometric};
+  Guard<os::FileSystem> file_system_guard_{file_system};
 };
 
 }  // namespace velhal::testing
