@@ -13,7 +13,7 @@ check() {  # check DESCRIPTION COMMAND...
 out=$("$wine_run" "$halinfo" | tr -d '\r'); rc=$?  # pipefail: halinfo's own status
 check "plain run exits 0" test "$rc" -eq 0
 check "the library section names its version" grep -Eq "^  version +$version\.0$" <<<"$out"
-check "the Windows section has a build number" grep -Eq '^  build +[0-9]+$' <<<"$out"
+check "the operating-system section has a build number" grep -Eq '^  build +[0-9]+$' <<<"$out"
 check "the disks section lists disk 0" grep -q '^  Disk 0$' <<<"$out"
 check "the processor section has clocks in MHz" grep -Eq '^  current clock +([0-9]+ MHz|\?)$' <<<"$out"
 check "the memory section has its total in MiB" grep -Eq '^  total +([0-9]+ MiB|\?)$' <<<"$out"
@@ -24,7 +24,7 @@ check "disk 0 has sizes in MiB and GB" grep -Ezq $'\n    size +[0-9]+ MiB\n    d
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
-for key in processor memory disks battery smbios network; do
+for key in operatingSystem processor memory disks battery smbios network audioDevices bluetooth biometric keyboard; do
   check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
 done
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"

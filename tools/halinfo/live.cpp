@@ -25,13 +25,17 @@ struct Section {
 // The report, in order: a new section is one row.
 constexpr Section kSections[] = {
     {LibrarySection},
-    {WindowsSection},
+    {OperatingSystemSection},
     {ProcessorSection},
     {MemorySection},
     {DisksSection},
     {BatterySection},
     {FirmwareSection},
     {NetworkSection},
+    {AudioDevicesSection},
+    {BluetoothSection},
+    {BiometricSection},
+    {KeyboardSection},
     {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
     {DriversSection, Shown::kWithDevicesOption},
 };

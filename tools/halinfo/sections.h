@@ -9,7 +9,7 @@
 namespace halinfo {
 
 Node LibrarySection();
-Node WindowsSection();
+Node OperatingSystemSection();
 Node ProcessorSection();
 Node MemorySection();
 Node DisksSection();
@@ -18,6 +18,10 @@ Node FirmwareSection();
 Node DevicesSection();
 Node NetworkSection();
 Node DriversSection();
+Node AudioDevicesSection();
+Node BluetoothSection();
+Node BiometricSection();
+Node KeyboardSection();
 
 // A reading of 0 means "not reported" for the library's numeric getters.
 template <class T>
