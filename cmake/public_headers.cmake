@@ -14,11 +14,16 @@ set(VELHAL_PUBLIC_HEADERS
   firmware/device_id.h
   firmware/system_environment_info.h
   components/bios_wmi.h
+  components/baseboard.h
+  components/bios_fun.h
+  components/hot_interface.h
+  components/touch_screen.h
   components/audio_card.h
   components/biometric.h
   components/bluetooth.h
   components/component_device.h
   components/keyboard.h
+  components/video_card.h
   drivers/device_driver_type.h
   drivers/device_driver.h
   network/network_adapter.h

@@ -7,7 +7,7 @@
 #include "components/device_kinds.h"
 #include "platform/boundary.h"
 #include "platform/device_classes.h"
-#include "platform/os/desktop.h"
+#include "platform/os/input.h"
 #include "platform/os/locale.h"
 
 namespace {
@@ -26,7 +26,7 @@ std::wstring LanguageOf(HKL layout) {
 }
 
 uint32_t TypeAnswer(int what) {
-  const int answer = velhal::os::desktop().GetKeyboardType(what);
+  const int answer = velhal::os::input().GetKeyboardType(what);
   return answer > 0 ? static_cast<uint32_t>(answer) : 0;
 }
 
@@ -51,14 +51,14 @@ std::vector<ComponentDevice> Keyboard::GetDevices() {
 std::wstring Keyboard::GetLayoutId() {
   return velhal::CallGuarded(std::wstring{}, []() -> std::wstring {
     wchar_t name[KL_NAMELENGTH] = {};
-    if (!velhal::os::desktop().GetKeyboardLayoutNameW(name)) return {};
+    if (!velhal::os::input().GetKeyboardLayoutNameW(name)) return {};
     return name;
   });
 }
 
 std::wstring Keyboard::GetLayoutLanguage() {
   return velhal::CallGuarded(std::wstring{}, []() -> std::wstring {
-    const HKL layout = velhal::os::desktop().GetKeyboardLayout(0);
+    const HKL layout = velhal::os::input().GetKeyboardLayout(0);
     return layout != nullptr ? LanguageOf(layout) : std::wstring{};
   });
 }
@@ -66,10 +66,10 @@ std::wstring Keyboard::GetLayoutLanguage() {
 std::vector<std::wstring> Keyboard::GetLayoutLanguages() {
   return velhal::CallGuarded(std::vector<std::wstring>{}, [] {
     std::vector<std::wstring> languages;
-    auto& desktop = velhal::os::desktop();
-    const int count = desktop.GetKeyboardLayoutList(0, nullptr);
+    auto& input = velhal::os::input();
+    const int count = input.GetKeyboardLayoutList(0, nullptr);
     std::vector<HKL> layouts(static_cast<size_t>(count > 0 ? count : 0));
-    const int filled = layouts.empty() ? 0 : desktop.GetKeyboardLayoutList(count, layouts.data());
+    const int filled = layouts.empty() ? 0 : input.GetKeyboardLayoutList(count, layouts.data());
     layouts.resize(static_cast<size_t>(filled > 0 ? filled : 0));
     for (const HKL layout : layouts) languages.push_back(LanguageOf(layout));
     return languages;

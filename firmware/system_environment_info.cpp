@@ -6,7 +6,7 @@
 
 #include "firmware/smbios_helper.h"
 #include "platform/boundary.h"
-#include "platform/os/desktop.h"
+#include "platform/os/display.h"
 #include "platform/os/power.h"
 #include "platform/os/security.h"
 #include "platform/os/system_info.h"
@@ -82,7 +82,7 @@ POWER_PLATFORM_ROLE CurrentPlatformRole() {
 
 bool SystemEnvironmentInfo::IsRemoteSession() {
   return CallGuarded(false,
-                     [] { return velhal::os::desktop().GetSystemMetrics(SM_REMOTESESSION) != 0; });
+                     [] { return velhal::os::display().GetSystemMetrics(SM_REMOTESESSION) != 0; });
 }
 
 bool SystemEnvironmentInfo::IsHypervisorPresent() {
@@ -109,13 +109,13 @@ bool SystemEnvironmentInfo::IsSlateMode() {
   return CallGuarded(false, [] {
     const POWER_PLATFORM_ROLE role = CurrentPlatformRole();
     return (role == PlatformRoleMobile || role == PlatformRoleSlate) &&
-           velhal::os::desktop().GetSystemMetrics(SM_CONVERTIBLESLATEMODE) == 0;
+           velhal::os::display().GetSystemMetrics(SM_CONVERTIBLESLATEMODE) == 0;
   });
 }
 
 bool SystemEnvironmentInfo::IsDocked() {
   return CallGuarded(false,
-                     [] { return velhal::os::desktop().GetSystemMetrics(SM_SYSTEMDOCKED) != 0; });
+                     [] { return velhal::os::display().GetSystemMetrics(SM_SYSTEMDOCKED) != 0; });
 }
 
 bool SystemEnvironmentInfo::IsOnBatteryPower() {

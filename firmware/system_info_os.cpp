@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "platform/boundary.h"
-#include "platform/os/desktop.h"
+#include "platform/os/display.h"
 #include "platform/os/locale.h"
 #include "platform/os/system_info.h"
 #include "platform/read_reg.h"
@@ -64,14 +64,14 @@ const wchar_t* ArchitectureName(WORD processor_architecture) {
 class PerMonitorAware {
  public:
   PerMonitorAware() {
-    auto& desktop = velhal::os::desktop();
-    previous_ = desktop.SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    auto& display = velhal::os::display();
+    previous_ = display.SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
     if (previous_ == nullptr) {
-      previous_ = desktop.SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE);
+      previous_ = display.SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE);
     }
   }
   ~PerMonitorAware() {
-    if (previous_ != nullptr) velhal::os::desktop().SetThreadDpiAwarenessContext(previous_);
+    if (previous_ != nullptr) velhal::os::display().SetThreadDpiAwarenessContext(previous_);
   }
   PerMonitorAware(const PerMonitorAware&) = delete;
   PerMonitorAware& operator=(const PerMonitorAware&) = delete;
@@ -81,11 +81,11 @@ class PerMonitorAware {
 };
 
 uint32_t SystemDpi() {
-  auto& desktop = velhal::os::desktop();
-  if (const UINT dpi = desktop.GetDpiForSystem(); dpi != 0) return dpi;
-  const velhal::UniqueScreenDc screen(desktop.GetDC(nullptr));
+  auto& display = velhal::os::display();
+  if (const UINT dpi = display.GetDpiForSystem(); dpi != 0) return dpi;
+  const velhal::UniqueScreenDc screen(display.GetDC(nullptr));
   if (!screen.IsValid()) return 0;
-  const int dpi = desktop.GetDeviceCaps(screen.Get(), LOGPIXELSX);
+  const int dpi = display.GetDeviceCaps(screen.Get(), LOGPIXELSX);
   return dpi > 0 ? static_cast<uint32_t>(dpi) : 0;
 }
 
@@ -202,15 +202,15 @@ uint32_t SystemInfo::GetSystemDpi() {
 std::vector<uint32_t> SystemInfo::GetMonitorDpiList() {
   return CallGuarded(std::vector<uint32_t>{}, [] {
     const PerMonitorAware aware;
-    auto& desktop = velhal::os::desktop();
+    auto& display = velhal::os::display();
     std::vector<HMONITOR> monitors;
-    desktop.EnumDisplayMonitors(nullptr, nullptr, &CollectMonitor,
+    display.EnumDisplayMonitors(nullptr, nullptr, &CollectMonitor,
                                 reinterpret_cast<LPARAM>(&monitors));
     std::vector<uint32_t> dpis;
     for (const HMONITOR monitor : monitors) {
       UINT x = 0;
       UINT y = 0;
-      const HRESULT result = desktop.GetDpiForMonitor(monitor, MDT_EFFECTIVE_DPI, &x, &y);
+      const HRESULT result = display.GetDpiForMonitor(monitor, MDT_EFFECTIVE_DPI, &x, &y);
       dpis.push_back(SUCCEEDED(result) ? x : IsMissingFunction(result) ? SystemDpi() : 0);
     }
     return dpis;

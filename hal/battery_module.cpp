@@ -2,21 +2,14 @@
 
 #include "hal/battery_module.h"
 
-#include <winioctl.h>
-
-#include <batclass.h>
-
-#include <array>
 #include <optional>
 #include <string>
 
 #include "components/bios_wmi.h"
+#include "hal/battery_driver.h"
 #include "hal/hal_api.h"
 #include "hal/query_output.h"
 #include "platform/boundary.h"
-#include "platform/device_classes.h"
-#include "platform/device_interfaces.h"
-#include "platform/os/device_io.h"
 #include "platform/os/power.h"
 #include "platform/wmi_namespaces.h"
 #include "platform/wmi_query.h"
@@ -29,7 +22,6 @@ constexpr int kPowerStatusAttempts = 3;
 constexpr int kBatteryStateAttempts = 4;
 constexpr BYTE kNoSystemBattery = 128;
 constexpr BYTE kUnknownBattery = 255;
-constexpr ULONG kDontWaitForTag = 0;
 
 std::optional<SYSTEM_POWER_STATUS> PowerStatus() {
   SYSTEM_POWER_STATUS status{};
@@ -56,84 +48,12 @@ std::optional<SYSTEM_BATTERY_STATE> BatteryState() {
   return std::nullopt;
 }
 
-// The first battery's driver, opened and tagged.
-struct BatteryDevice {
-  UniqueFileHandle handle;
-  ULONG tag = 0;
-
-  static std::optional<BatteryDevice> Open() {
-    const std::optional<std::wstring> path = FirstDeviceInterfacePath(device_interface::kBattery);
-    if (!path) return std::nullopt;
-    BatteryDevice device;
-    device.handle = UniqueFileHandle(os::device_io().CreateFileW(
-        path->c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!device.handle.IsValid()) return std::nullopt;
-    ULONG wait = kDontWaitForTag;
-    DWORD bytes = 0;
-    if (!os::device_io().DeviceIoControl(device.handle.Get(), IOCTL_BATTERY_QUERY_TAG, &wait,
-                                         sizeof(wait), &device.tag, sizeof(device.tag), &bytes,
-                                         nullptr) ||
-        device.tag == 0) {  // 0: no battery in the slot
-      return std::nullopt;
-    }
-    return device;
-  }
-
-  bool QueryInformation(BATTERY_QUERY_INFORMATION_LEVEL level, void* out, DWORD out_size,
-                        DWORD* bytes) {
-    BATTERY_QUERY_INFORMATION query{};
-    query.BatteryTag = tag;
-    query.InformationLevel = level;
-    return os::device_io().DeviceIoControl(handle.Get(), IOCTL_BATTERY_QUERY_INFORMATION, &query,
-                                           sizeof(query), out, out_size, bytes, nullptr) != FALSE;
-  }
-};
-
-struct DriverReading {
-  ULONG designed_capacity;
-  ULONG voltage;
-};
-
-// Tag, information and status in one go; any failed step fails the whole read.
-std::optional<DriverReading> ReadDriver() {
-  std::optional<BatteryDevice> device = BatteryDevice::Open();
-  if (!device) return std::nullopt;
-  BATTERY_INFORMATION information{};
-  DWORD bytes = 0;
-  if (!device->QueryInformation(BatteryInformation, &information, sizeof(information), &bytes)) {
-    return std::nullopt;
-  }
-  // The published 20-byte BATTERY_WAIT_STATUS, not a 16-byte one: drivers refuse a shorter
-  // input, which would send every voltage read to WMI. The one deviation kept on purpose.
-  static_assert(sizeof(BATTERY_WAIT_STATUS) == 20);
-  BATTERY_WAIT_STATUS wait{};
-  wait.BatteryTag = device->tag;
-  BATTERY_STATUS status{};
-  if (!os::device_io().DeviceIoControl(device->handle.Get(), IOCTL_BATTERY_QUERY_STATUS, &wait,
-                                       sizeof(wait), &status, sizeof(status), &bytes, nullptr)) {
-    return std::nullopt;
-  }
-  return DriverReading{information.DesignedCapacity, status.Voltage};
-}
-
-std::optional<std::wstring> DriverName(BATTERY_QUERY_INFORMATION_LEVEL level) {
-  std::optional<BatteryDevice> device = BatteryDevice::Open();
-  if (!device) return std::nullopt;
-  std::array<wchar_t, 257> name{};  // one spare unit keeps it terminated
-  DWORD bytes = 0;
-  if (!device->QueryInformation(level, name.data(), (name.size() - 1) * sizeof(wchar_t), &bytes)) {
-    return std::nullopt;
-  }
-  return std::wstring(name.data());
-}
-
 // The name as the first source that answers gives it, empty included; nullopt when none does.
 std::optional<std::wstring> Name(uint32_t info_class) {
   std::wstring name;
   if (info_class == HAL_BATTERY_INFO_MANUFACTURER) {
     // The manufacturer falls back to WMI only when the driver read fails.
-    if (auto driver = DriverName(BatteryManufactureName)) return driver;
+    if (auto driver = ReadBatteryDriverName(BatteryManufactureName)) return driver;
     if (WmiQueryFirstString(kRootWmi, L"SELECT ManufactureName FROM BatteryStaticData",
                             L"ManufactureName", name)) {
       return name;
@@ -141,7 +61,7 @@ std::optional<std::wstring> Name(uint32_t info_class) {
     return std::nullopt;
   }
   // The device name also when the driver gives an empty one.
-  auto driver = DriverName(BatteryDeviceName);
+  auto driver = ReadBatteryDriverName(BatteryDeviceName);
   if (driver && !driver->empty()) return driver;
   if (WmiQueryFirstString(kRootWmi, L"SELECT DeviceName FROM BatteryStaticData", L"DeviceName",
                           name)) {
@@ -152,8 +72,8 @@ std::optional<std::wstring> Name(uint32_t info_class) {
 
 std::optional<uint32_t> DesignCapacity() {
   unsigned int design = 0;
-  if (const auto driver = ReadDriver()) {
-    design = driver->designed_capacity;
+  if (const auto driver = ReadBatteryDriver()) {
+    design = driver->information.DesignedCapacity;
   } else if (!WmiQueryFirstUInt(kRootWmi, L"SELECT DesignedCapacity FROM BatteryStaticData",
                                 L"DesignedCapacity", &design)) {
     return std::nullopt;
@@ -164,8 +84,8 @@ std::optional<uint32_t> DesignCapacity() {
 
 std::optional<uint32_t> Voltage() {
   unsigned int voltage = 0;
-  if (const auto driver = ReadDriver()) {
-    voltage = driver->voltage;
+  if (const auto driver = ReadBatteryDriver()) {
+    voltage = driver->status.Voltage;
   } else if (!WmiQueryFirstUInt(kRootWmi, L"SELECT Voltage FROM BatteryStatus", L"Voltage",
                                 &voltage)) {
     return std::nullopt;

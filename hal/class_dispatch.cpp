@@ -3,6 +3,8 @@
 #include "hal/audio_endpoints.h"
 #include "hal/battery_module.h"
 #include "hal/disk_module.h"
+#include "hal/display_module.h"
+#include "hal/graphics_module.h"
 #include "hal/memory_module.h"
 #include "hal/processor_module.h"
 
@@ -12,7 +14,8 @@ namespace {
 constexpr ClassRoute kRoutes[] = {
     {HAL_CLASS_PROCESSOR, ProcessorModule}, {HAL_CLASS_AUDIO_ENDPOINTS, AudioEndpointsModule},
     {HAL_CLASS_DISK, DiskModule},           {HAL_CLASS_BATTERY, BatteryModule},
-    {HAL_CLASS_MEMORY, MemoryModule},
+    {HAL_CLASS_MEMORY, MemoryModule},       {HAL_CLASS_GRAPHICS, GraphicsModule},
+    {HAL_CLASS_DISPLAY, DisplayModule},
 };
 
 }  // namespace

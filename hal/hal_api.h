@@ -190,6 +190,55 @@ HAL_STATIC_ASSERT(offsetof(DpColorRange, step) == 16, "step at 16");
 #define HAL_MEMORY_INFO_SPEED 6u          /* u32, as WMI reports it */
 
 /*
+ * Class 4 and GpQueryInforamtion: graphics adapters, answered from a GpAdapterList. "Discrete"
+ * is the last record whose discrete flag is set, "integrated" the last whose flag is clear; a
+ * class fails when no record qualifies. Each _ALIAS number takes the same path as its pair.
+ */
+#define HAL_GRAPHICS_INFO_DISCRETE_NAME 0u           /* UTF-16, empty fails */
+#define HAL_GRAPHICS_INFO_DISCRETE_STATUS 1u         /* UTF-16, empty fails: WMI Status */
+#define HAL_GRAPHICS_INFO_DISCRETE_DRIVER_VERSION 2u /* UTF-16, empty fails */
+#define HAL_GRAPHICS_INFO_DISCRETE_DRIVER_DATE 3u    /* UTF-16, empty fails: YYYYMMDD */
+#define HAL_GRAPHICS_INFO_INTEGRATED_NAME 4u         /* UTF-16, empty fails */
+#define HAL_GRAPHICS_INFO_INTEGRATED_STATUS 5u       /* UTF-16, empty fails */
+#define HAL_GRAPHICS_INFO_INTEGRATED_DRIVER_VERSION 6u /* UTF-16, empty fails */
+#define HAL_GRAPHICS_INFO_INTEGRATED_DRIVER_DATE 7u  /* UTF-16, empty fails: YYYYMMDD */
+#define HAL_GRAPHICS_INFO_DISCRETE_NAME_ALIAS 8u
+#define HAL_GRAPHICS_INFO_DISCRETE_STATUS_ALIAS 9u
+#define HAL_GRAPHICS_INFO_DISCRETE_DRIVER_VERSION_ALIAS 10u
+#define HAL_GRAPHICS_INFO_DISCRETE_DRIVER_DATE_ALIAS 11u
+#define HAL_GRAPHICS_INFO_INTEGRATED_NAME_ALIAS 12u
+#define HAL_GRAPHICS_INFO_INTEGRATED_STATUS_ALIAS 13u
+#define HAL_GRAPHICS_INFO_INTEGRATED_DRIVER_VERSION_ALIAS 14u
+#define HAL_GRAPHICS_INFO_INTEGRATED_DRIVER_DATE_ALIAS 15u
+#define HAL_GRAPHICS_INFO_MONITOR 16u                /* UTF-16, empty fails: PNP model or caption */
+#define HAL_GRAPHICS_INFO_RESOLUTION 17u             /* UTF-16, empty fails: "1920x1080" */
+#define HAL_GRAPHICS_INFO_NOT_SERVED 18u             /* always fails */
+#define HAL_GRAPHICS_INFO_COUNT 19u                  /* u32 adapter records */
+#define HAL_GRAPHICS_INFO_DISCRETE_VIDEO_MEMORY 20u  /* u32 MiB, 0 when unknown */
+#define HAL_GRAPHICS_INFO_DISCRETE_PROBLEM_CODE 21u  /* u32 device problem code */
+#define HAL_GRAPHICS_INFO_INTEGRATED_VIDEO_MEMORY 22u /* u32 MiB, 0 when unknown */
+#define HAL_GRAPHICS_INFO_INTEGRATED_PROBLEM_CODE 23u /* u32 device problem code */
+#define HAL_GRAPHICS_INFO_DISCRETE_VIDEO_MEMORY_ALIAS 24u
+#define HAL_GRAPHICS_INFO_INTEGRATED_VIDEO_MEMORY_ALIAS 25u
+#define HAL_GRAPHICS_INFO_SCREEN_WIDTH 26u           /* u32 pixels, 0 fails */
+#define HAL_GRAPHICS_INFO_SCREEN_HEIGHT 27u          /* u32 pixels, 0 fails */
+#define HAL_GRAPHICS_INFO_REFRESH_RATE 28u           /* u32 Hz, 0 fails */
+#define HAL_GRAPHICS_INFO_BITS_PER_PIXEL 29u         /* u32, 0 fails */
+
+/*
+ * Class 16: the built-in display's brightness and colour, through the AMD display library or
+ * the Intel driver with the power scheme. Queries (entry is &DpDisplayList.adapterIndex):
+ */
+#define HAL_DISPLAY_INFO_COLOR_CAPS 0u               /* u32 (AMD only): supported adjustments */
+#define HAL_DISPLAY_INFO_COLOR_TEMPERATURE 2u        /* DpColorRange; Intel: 3 u32 triples */
+#define HAL_DISPLAY_INFO_BRIGHTNESS 3u               /* DpColorRange; Intel: {%, 0, 0, 100, 0} */
+/* HalSetInformation(16): */
+#define HAL_DISPLAY_SET_COLOR_TEMPERATURE 2u         /* u32 level 0-255, u32 mode */
+#define HAL_DISPLAY_SET_BRIGHTNESS 3u                /* AMD as 2; Intel: u32 percent */
+#define HAL_DISPLAY_SET_COLOR_TEMPERATURE_ALIAS 5u   /* as 2; Intel: 8 bytes needed */
+#define HAL_DISPLAY_SET_COLOR_GAINS 6u               /* Intel only: five floats */
+
+/*
  * A batch, for hosts that ask many questions at once: between HalBeginBatch and HalEndBatch,
  * on the calling thread, every WMI query shares one connection per namespace and an identical
  * query is answered from the rows the batch already holds. Batches nest (counted per thread);
@@ -249,6 +298,18 @@ VELHAL_C_API uint32_t BtSetInformation(uint32_t infoClass, void* buffer, uint32_
 VELHAL_C_API uint32_t MmInit(void* list);
 VELHAL_C_API uint32_t MmQueryInformation(HalDeviceEntry* entry, uint32_t infoClass, void* buffer,
                                          uint32_t bufferSize, uint32_t* returnedSize);
+
+/*
+ * Graphics adapters. GpInit makes a GpAdapterList (list is a GpAdapterList**); an empty
+ * inventory is success without a block, *list untouched. GpQueryInforamtion (spelt so in the
+ * export table) answers HAL_GRAPHICS_INFO_* from the block; a block whose size field is not
+ * 8 + 552 x count fails. GpSetInformation has nothing to set and always returns 0.
+ */
+VELHAL_C_API uint32_t GpInit(GpAdapterList** list);
+VELHAL_C_API uint32_t GpQueryInforamtion(GpAdapterList* block, uint32_t infoClass, void* buffer,
+                                         uint32_t bufferSize, uint32_t* returnedSize);
+VELHAL_C_API uint32_t GpSetInformation(GpAdapterList* block, uint32_t infoClass, void* buffer,
+                                       uint32_t bufferSize, uint32_t* returnedSize);
 
 /*
  * Whether the firmware's chassis type byte (SMBIOS type 3) says "detachable" (0x20). The

@@ -8,14 +8,15 @@
 
 namespace velhal {
 
-std::optional<std::wstring> FirstDeviceInterfacePath(const GUID& interface_class) {
+std::optional<std::wstring> DeviceInterfacePath(const GUID& interface_class, DWORD index) {
   auto& db = os::device_database();
   const UniqueDeviceInfoSet set(db.SetupDiGetClassDevsW(&interface_class, nullptr, nullptr,
                                                         DIGCF_PRESENT | DIGCF_DEVICEINTERFACE));
   if (!set.IsValid()) return std::nullopt;
   SP_DEVICE_INTERFACE_DATA interface_data{};
   interface_data.cbSize = sizeof(interface_data);
-  if (!db.SetupDiEnumDeviceInterfaces(set.Get(), nullptr, &interface_class, 0, &interface_data)) {
+  if (!db.SetupDiEnumDeviceInterfaces(set.Get(), nullptr, &interface_class, index,
+                                      &interface_data)) {
     return std::nullopt;
   }
   DWORD required = 0;

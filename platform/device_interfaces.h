@@ -8,7 +8,12 @@
 
 namespace velhal {
 
-// The path of the first present device that exposes an interface of interface_class.
-std::optional<std::wstring> FirstDeviceInterfacePath(const GUID& interface_class);
+// The path of the index-th (0 the first) interface of interface_class on a present device, in
+// SetupAPI's order.
+std::optional<std::wstring> DeviceInterfacePath(const GUID& interface_class, DWORD index);
+
+inline std::optional<std::wstring> FirstDeviceInterfacePath(const GUID& interface_class) {
+  return DeviceInterfacePath(interface_class, 0);
+}
 
 }  // namespace velhal

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/com_ptr.h"
+#include "platform/com_values.h"
 #include "platform/os/com.h"
 
 namespace velhal::wmi {
@@ -44,31 +45,6 @@ class Apartment {
  private:
   HRESULT status_ = E_UNEXPECTED;
   bool initialised_ = false;
-};
-
-class Bstr {
- public:
-  explicit Bstr(const std::wstring& text)
-      : value_(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
-  ~Bstr() { ::SysFreeString(value_); }
-  Bstr(const Bstr&) = delete;
-  Bstr& operator=(const Bstr&) = delete;
-  BSTR get() const noexcept { return value_; }
-
- private:
-  BSTR value_;
-};
-
-class Variant {
- public:
-  Variant() noexcept { ::VariantInit(&value_); }
-  ~Variant() { ::VariantClear(&value_); }
-  Variant(const Variant&) = delete;
-  Variant& operator=(const Variant&) = delete;
-  VARIANT* get() noexcept { return &value_; }
-
- private:
-  VARIANT value_;
 };
 
 bool SameNamespace(const std::wstring& a, const std::wstring& b) {

@@ -67,6 +67,17 @@ class RealDeviceDatabase final : public DeviceDatabase {
                                  HMACHINE machine) override {
     return ::CM_Get_Device_ID_ExW(device, buffer, length, flags, machine);
   }
+  BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids, DWORD guids_size,
+                                    DWORD* required_size, const wchar_t* machine,
+                                    void* reserved) override {
+    return ::SetupDiClassGuidsFromNameExW(class_name, guids, guids_size, required_size, machine,
+                                          reserved);
+  }
+  HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
+                                  DWORD flags, HDEVINFO set, const wchar_t* machine,
+                                  void* reserved) override {
+    return ::SetupDiGetClassDevsExW(class_guid, enumerator, parent, flags, set, machine, reserved);
+  }
   CONFIGRET CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id, ULONG flags) override {
     // The system's declaration takes a non-const ID it never writes.
     return ::CM_Locate_DevNodeW(device, const_cast<wchar_t*>(instance_id), flags);

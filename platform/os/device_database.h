@@ -47,6 +47,12 @@ class DeviceDatabase {
                                           ULONG flags) = 0;
   virtual CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
                                          HMACHINE machine) = 0;
+  virtual BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids,
+                                            DWORD guids_size, DWORD* required_size,
+                                            const wchar_t* machine, void* reserved) = 0;
+  virtual HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator,
+                                          HWND parent, DWORD flags, HDEVINFO set,
+                                          const wchar_t* machine, void* reserved) = 0;
   virtual CONFIGRET CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id,
                                        ULONG flags) = 0;
   virtual CONFIGRET CM_Reenumerate_DevNode(DEVINST device, ULONG flags) = 0;

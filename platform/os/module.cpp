@@ -20,6 +20,9 @@ class RealModule final : public Module {
   DWORD GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD size) override {
     return ::GetModuleFileNameW(module, path, size);
   }
+  UINT GetSystemDirectoryW(wchar_t* path, UINT size) override {
+    return ::GetSystemDirectoryW(path, size);
+  }
 };
 
 }  // namespace

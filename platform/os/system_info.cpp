@@ -16,6 +16,9 @@ class RealSystemInfo final : public SystemInfo {
     return ::GlobalMemoryStatusEx(status);
   }
   void Cpuid(int registers[4], int leaf) override { __cpuid(registers, leaf); }
+  SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* region, SIZE_T size) override {
+    return ::VirtualQuery(address, region, size);
+  }
   LONG RtlGetVersion(OSVERSIONINFOEXW* version) override {
     static const Bound<LONG WINAPI(OSVERSIONINFOEXW*)> call(L"ntdll.dll", "RtlGetVersion");
     return call.CallOr(kStatusProcedureNotFound, version);

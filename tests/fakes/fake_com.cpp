@@ -43,23 +43,41 @@ class FakeObject : public Interface {
 
 class FakeClassObject final : public FakeObject<IWbemClassObject> {
  public:
-  FakeClassObject(FakeCom& com, const FakeCom::Row& row) : FakeObject(com), row_(row) {}
+  // A copy of the stored row: Put changes the copy, PutInstance writes it back.
+  FakeClassObject(FakeCom& com, FakeCom::Row& stored)
+      : FakeObject(com), stored_(stored), row_(stored) {}
 
   HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type,
                                 LONG*) override {
     com_.RequireApartment("IWbemClassObject::Get");
-    for (const auto& [property, cell] : row_) {
-      if (name != nullptr && EqualsIgnoringCase(property, name)) {
-        if (value != nullptr) cell.ToVariant(value);
-        if (type != nullptr) *type = cell.cim;
-        return S_OK;
-      }
+    if (com_.record_name_units && name != nullptr) {
+      com_.get_name_units.push_back(::SysStringLen(const_cast<BSTR>(name)));
     }
-    return WBEM_E_NOT_FOUND;
+    const FakeValue* cell = Find(name);
+    if (cell == nullptr) return WBEM_E_NOT_FOUND;
+    if (value != nullptr) cell->ToVariant(value);
+    if (type != nullptr) *type = cell->cim;
+    return S_OK;
   }
 
+  HRESULT STDMETHODCALLTYPE Put(LPCWSTR name, LONG, VARIANT* value, CIMTYPE type) override {
+    com_.RequireApartment("IWbemClassObject::Put");
+    if (name == nullptr || value == nullptr) return WBEM_E_INVALID_PARAMETER;
+    const VARTYPE vt = V_VT(value);
+    const LONG raw = vt == VT_BOOL ? V_BOOL(value) : vt == VT_I4 ? V_I4(value) : 0;
+    const UINT units = com_.record_name_units ? ::SysStringLen(const_cast<BSTR>(name)) : 0;
+    com_.puts.push_back({name, units, vt, raw, type});
+    if (FAILED(com_.put_result)) return com_.put_result;
+    FakeValue* cell = Find(name);
+    if (cell == nullptr) return WBEM_E_NOT_FOUND;
+    cell->vt = vt;
+    cell->integer = raw;
+    return S_OK;
+  }
+
+  void Save() { stored_ = row_; }
+
   HRESULT STDMETHODCALLTYPE GetQualifierSet(IWbemQualifierSet**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE Put(LPCWSTR, LONG, VARIANT*, CIMTYPE) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE Delete(LPCWSTR) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetNames(LPCWSTR, LONG, VARIANT*, SAFEARRAY**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE BeginEnumeration(LONG) override { return E_NOTIMPL; }
@@ -83,12 +101,20 @@ class FakeClassObject final : public FakeObject<IWbemClassObject> {
   HRESULT STDMETHODCALLTYPE GetMethodOrigin(LPCWSTR, BSTR*) override { return E_NOTIMPL; }
 
  private:
-  const FakeCom::Row& row_;
+  FakeValue* Find(LPCWSTR name) {
+    for (auto& [property, cell] : row_) {
+      if (name != nullptr && EqualsIgnoringCase(property, name)) return &cell;
+    }
+    return nullptr;
+  }
+
+  FakeCom::Row& stored_;
+  FakeCom::Row row_;
 };
 
 class FakeEnumerator final : public FakeObject<IEnumWbemClassObject> {
  public:
-  FakeEnumerator(FakeCom& com, const FakeCom::Query& query) : FakeObject(com), query_(query) {}
+  FakeEnumerator(FakeCom& com, FakeCom::Query& query) : FakeObject(com), query_(query) {}
 
   HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                  ULONG* returned) override {
@@ -109,7 +135,7 @@ class FakeEnumerator final : public FakeObject<IEnumWbemClassObject> {
   HRESULT STDMETHODCALLTYPE Skip(LONG, ULONG) override { return E_NOTIMPL; }
 
  private:
-  const FakeCom::Query& query_;
+  FakeCom::Query& query_;
   size_t next_ = 0;
 };
 
@@ -124,10 +150,34 @@ class FakeServices final : public FakeObject<IWbemServices> {
     com_.exec_flags.push_back(flags);
     if (rows == nullptr) return WBEM_E_INVALID_PARAMETER;
     *rows = nullptr;
-    const FakeCom::Query* found = com_.FindQuery(query ? query : L"");
+    FakeCom::Query* found = com_.FindQuery(query ? query : L"");
     if (found == nullptr) return WBEM_E_INVALID_QUERY;
     if (FAILED(found->exec_result)) return found->exec_result;
     *rows = new FakeEnumerator(com_, *found);
+    return WBEM_S_NO_ERROR;
+  }
+
+  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR name, LONG flags, IWbemContext*,
+                                               IEnumWbemClassObject** instances) override {
+    com_.RequireApartment("IWbemServices::CreateInstanceEnum");
+    com_.instance_enum_flags.push_back(flags);
+    if (instances == nullptr) return WBEM_E_INVALID_PARAMETER;
+    *instances = nullptr;
+    FakeCom::Query* found = com_.FindClass(name ? name : L"");
+    if (found == nullptr) return WBEM_E_INVALID_CLASS;  // as Windows answers; Wine lists none
+    if (FAILED(found->exec_result)) return found->exec_result;
+    *instances = new FakeEnumerator(com_, *found);
+    return WBEM_S_NO_ERROR;
+  }
+
+  HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject* instance, LONG flags, IWbemContext*,
+                                        IWbemCallResult** result) override {
+    com_.RequireApartment("IWbemServices::PutInstance");
+    com_.put_instance_flags.push_back(flags);
+    auto* fake = dynamic_cast<FakeClassObject*>(instance);
+    if (fake == nullptr || result != nullptr) return WBEM_E_INVALID_PARAMETER;
+    if (FAILED(com_.put_instance_result)) return com_.put_instance_result;
+    fake->Save();
     return WBEM_S_NO_ERROR;
   }
 
@@ -142,11 +192,9 @@ class FakeServices final : public FakeObject<IWbemServices> {
   HRESULT STDMETHODCALLTYPE DeleteClassAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE CreateClassEnum(const BSTR, LONG, IWbemContext*, IEnumWbemClassObject**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE CreateClassEnumAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE PutInstance(IWbemClassObject*, LONG, IWbemContext*, IWbemCallResult**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE PutInstanceAsync(IWbemClassObject*, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE DeleteInstance(const BSTR, LONG, IWbemContext*, IWbemCallResult**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE DeleteInstanceAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE CreateInstanceEnum(const BSTR, LONG, IWbemContext*, IEnumWbemClassObject**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext*, IWbemObjectSink*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext*, IEnumWbemClassObject**) override { return E_NOTIMPL; }
@@ -186,9 +234,16 @@ bool FakeCom::KnowsNamespace(const std::wstring& name_space) const {
   return false;
 }
 
-const FakeCom::Query* FakeCom::FindQuery(const std::wstring& wql) const {
+FakeCom::Query* FakeCom::FindQuery(const std::wstring& wql) {
   const auto found = queries_.find(wql);
   return found == queries_.end() ? nullptr : &found->second;
+}
+
+FakeCom::Query* FakeCom::FindClass(const std::wstring& name) {
+  for (auto& [known, instances] : classes_) {
+    if (EqualsIgnoringCase(known, name)) return &instances;
+  }
+  return nullptr;
 }
 
 namespace {
@@ -263,6 +318,7 @@ HRESULT FakeCom::CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+  if (FAILED(create_result)) return create_result;
   for (const Registered& entry : registered_) {
     if (entry.clsid != clsid) continue;
     create_contexts.push_back(context);

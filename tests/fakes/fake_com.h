@@ -1,7 +1,8 @@
-// A COM world for the WMI engine's own tests: apartments with init counts, and a WMI locator
-// whose services, enumerators and objects serve scripted rows. Every object counts its
-// references; the fake notes a leak, a release too many, a call outside an apartment and an
-// object still alive when the thread's COM is uninitialised. Other classes are objects a test
+// A COM world for the WMI clients' own tests: apartments with init counts, and a WMI locator
+// whose services, enumerators and objects serve scripted rows (of queries, or the instances of a
+// class) and take changed instances back. Every object counts its references; the fake notes a
+// leak, a release too many, a call outside an apartment and an object still alive when the
+// thread's COM is uninitialised. Other classes are objects a test
 // registers by CLSID (a Counted fake of the class's interface): CoCreateInstance hands out a
 // reference to it, and a reference still held when COM is uninitialised is noted as well.
 #pragma once
@@ -37,6 +38,13 @@ class FakeCom final : public os::Com {
 
   void AddNamespace(const std::wstring& name_space) { namespaces_.push_back(name_space); }
   void AddQuery(const std::wstring& wql, Query query) { queries_[wql] = std::move(query); }
+  // The instances CreateInstanceEnum hands out; PutInstance writes a changed one back here.
+  void AddClass(const std::wstring& name, Query instances) {
+    classes_[name] = std::move(instances);
+  }
+  const Row& Instance(const std::wstring& name, size_t index) const {
+    return classes_.at(name).rows.at(index);
+  }
   void FailInitialize(HRESULT result) { init_failure_ = result; }
   // The thread's apartment as the host left it (none: the library's own initialisation counts).
   void SetHostApartment(Apartment apartment);
@@ -57,6 +65,21 @@ class FakeCom final : public os::Com {
   std::vector<LONG> exec_flags;
   std::vector<std::wstring> languages;
   std::vector<LONG> next_timeouts;
+  std::vector<LONG> instance_enum_flags;
+  std::vector<LONG> put_instance_flags;
+  struct Put {
+    std::wstring name;
+    UINT name_units;  // the BSTR's own length, where record_name_units is set
+    VARTYPE vt;
+    LONG raw;  // V_BOOL or V_I4 as written
+    CIMTYPE type;
+  };
+  std::vector<Put> puts;
+  std::vector<UINT> get_name_units;
+  bool record_name_units = false;  // only for callers that pass property names as BSTRs
+  HRESULT create_result = S_OK;    // a failure here fails CoCreateInstance
+  HRESULT put_result = S_OK;
+  HRESULT put_instance_result = S_OK;
   std::vector<DWORD> create_contexts;  // of CoCreateInstance for registered classes
   int live_objects = 0;
   std::vector<std::string> violations;  // must stay empty
@@ -75,7 +98,8 @@ class FakeCom final : public os::Com {
   // Used by the fake objects.
   void RequireApartment(const char* call);
   bool KnowsNamespace(const std::wstring& name_space) const;
-  const Query* FindQuery(const std::wstring& wql) const;
+  Query* FindQuery(const std::wstring& wql);
+  Query* FindClass(const std::wstring& name);
 
  private:
   Apartment apartment_;
@@ -85,6 +109,7 @@ class FakeCom final : public os::Com {
   bool apartment_query_fails_ = false;
   std::vector<std::wstring> namespaces_;
   std::map<std::wstring, Query> queries_;
+  std::map<std::wstring, Query> classes_;
   struct Registered {
     CLSID clsid;
     IUnknown* object;

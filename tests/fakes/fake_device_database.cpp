@@ -321,6 +321,34 @@ CONFIGRET FakeDeviceDatabase::CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buff
   return CR_SUCCESS;
 }
 
+BOOL FakeDeviceDatabase::SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids,
+                                                      DWORD guids_size, DWORD* required_size,
+                                                      const wchar_t* machine, void*) {
+  if (class_name == nullptr || required_size == nullptr || machine != nullptr) {
+    return Fail(ERROR_INVALID_PARAMETER);
+  }
+  class_names_asked.emplace_back(class_name);
+  *required_size = 0;
+  for (const auto& [name, guid] : class_names) {
+    if (!EqualsIgnoringCase(name, class_name)) continue;
+    *required_size = 1;
+    if (guids == nullptr || guids_size < 1) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    guids[0] = guid;
+  }
+  return TRUE;  // an unknown name is no error: no GUID
+}
+
+HDEVINFO FakeDeviceDatabase::SetupDiGetClassDevsExW(const GUID* class_guid,
+                                                    const wchar_t* enumerator, HWND parent,
+                                                    DWORD flags, HDEVINFO set,
+                                                    const wchar_t* machine, void*) {
+  if (set != nullptr || machine != nullptr) {
+    ::SetLastError(ERROR_INVALID_PARAMETER);
+    return INVALID_HANDLE_VALUE;
+  }
+  return SetupDiGetClassDevsW(class_guid, enumerator, parent, flags);
+}
+
 CONFIGRET FakeDeviceDatabase::CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id,
                                                  ULONG flags) {
   if (device == nullptr) return CR_INVALID_POINTER;

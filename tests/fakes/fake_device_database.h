@@ -69,6 +69,9 @@ class FakeDeviceDatabase final : public os::DeviceDatabase {
   std::vector<SP_PROPCHANGE_PARAMS> change_params;
   bool fail_list_detail = false;
   bool fail_device_id = false;
+  // Setup-class names SetupDiClassGuidsFromNameExW knows (any case), and the names it was asked.
+  std::map<std::wstring, GUID> class_names;
+  std::vector<std::wstring> class_names_asked;
   CONFIGRET locate_result = CR_SUCCESS;       // of CM_Locate_DevNodeW for the root
   CONFIGRET reenumerate_result = CR_SUCCESS;  // of CM_Reenumerate_DevNode
   std::vector<ULONG> reenumerate_flags;       // one entry per rescan asked for
@@ -104,6 +107,12 @@ class FakeDeviceDatabase final : public os::DeviceDatabase {
                                   ULONG flags) override;
   CONFIGRET CM_Get_Device_ID_ExW(DEVINST device, wchar_t* buffer, ULONG length, ULONG flags,
                                  HMACHINE machine) override;
+  BOOL SetupDiClassGuidsFromNameExW(const wchar_t* class_name, GUID* guids, DWORD guids_size,
+                                    DWORD* required_size, const wchar_t* machine,
+                                    void* reserved) override;
+  HDEVINFO SetupDiGetClassDevsExW(const GUID* class_guid, const wchar_t* enumerator, HWND parent,
+                                  DWORD flags, HDEVINFO set, const wchar_t* machine,
+                                  void* reserved) override;
   CONFIGRET CM_Locate_DevNodeW(DEVINST* device, const wchar_t* instance_id, ULONG flags) override;
   CONFIGRET CM_Reenumerate_DevNode(DEVINST device, ULONG flags) override;
 

@@ -65,4 +65,12 @@ DWORD FakeModule::GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD size) 
   return length < size ? length : size;  // a full buffer means truncated, as Windows says
 }
 
+UINT FakeModule::GetSystemDirectoryW(wchar_t* path, UINT size) {
+  const UINT length = static_cast<UINT>(system_directory.size());
+  if (length == 0) return 0;
+  if (size <= length) return length + 1;  // the size needed, as Windows says
+  std::memcpy(path, system_directory.c_str(), (length + 1) * sizeof(wchar_t));
+  return length;
+}
+
 }  // namespace velhal::testing

@@ -25,6 +25,7 @@ class FakeModule final : public os::Module {
 
   std::map<std::wstring, Library> libraries;  // by the path LoadLibraryExW is given
   std::wstring library_path;                  // what GetModuleFileNameW reports for VelHal
+  std::wstring system_directory = L"C:\\windows\\system32";  // empty: GetSystemDirectoryW fails
   bool handle_fails = false;
   int loads = 0, frees = 0, bad_frees = 0;
   size_t loaded() const { return loaded_.size(); }
@@ -35,6 +36,7 @@ class FakeModule final : public os::Module {
   FARPROC GetProcAddress(HMODULE module, const char* name) override;
   BOOL GetModuleHandleExW(DWORD, const wchar_t*, HMODULE* module) override;
   DWORD GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD size) override;
+  UINT GetSystemDirectoryW(wchar_t* path, UINT size) override;
 
  private:
   std::map<HMODULE, std::wstring> loaded_;  // a handle per load, as LoadLibrary counts them

@@ -1,5 +1,5 @@
 // Memory status, CPUID and the kernel's identity as a test sets them; CPUID records the leaves
-// asked for.
+// asked for. The address space is the test's own, so it is answered by the real VirtualQuery.
 #pragma once
 
 #include "platform/win32.h"
@@ -35,6 +35,9 @@ class FakeSystemInfo final : public os::SystemInfo {
     if (memory_fails || out->dwLength != sizeof(MEMORYSTATUSEX)) return FALSE;
     *out = memory;
     return TRUE;
+  }
+  SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* region, SIZE_T size) override {
+    return ::VirtualQuery(address, region, size);
   }
   void Cpuid(int registers[4], int leaf) override {
     cpuid_leaves.push_back(leaf);

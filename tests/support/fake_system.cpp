@@ -23,11 +23,16 @@ FakeSystem::~FakeSystem() {
   EXPECT_EQ(com.live_objects, 0) << "a COM object leaked";
   EXPECT_TRUE(com.violations.empty()) << com.violations.front();
   EXPECT_FALSE(audio.render.over_released || audio.capture.over_released);
+  EXPECT_TRUE(console.other_streams.empty()) << "printed to a stream other than stdout";
   EXPECT_EQ(com.RegisteredReferencesHeld(), 0u) << "a reference to a COM class object leaked";
   EXPECT_EQ(wlan.open_handles(), 0u) << "a WLAN handle was left open";
   EXPECT_EQ(wlan.unfreed(), 0u) << "WLAN memory was not freed";
   EXPECT_EQ(wlan.bad_closes + wlan.bad_frees, 0);
-  EXPECT_EQ(desktop.open_dcs, 0) << "a screen device context was not released";
+  EXPECT_EQ(power.schemes_held(), 0u) << "a power scheme GUID was not freed";
+  EXPECT_EQ(power.bad_frees, 0);
+  EXPECT_EQ(intel_driver.control.references, 1u) << "the driver object leaked";
+  EXPECT_FALSE(intel_driver.control.over_released);
+  EXPECT_EQ(display.open_dcs, 0) << "a screen device context was not released";
   EXPECT_EQ(security.open_tokens, 0) << "a token was left open";
   EXPECT_EQ(security.bad_closes, 0);
   EXPECT_EQ(bluetooth.open_finds + bluetooth.open_radios, 0) << "a radio handle was left open";

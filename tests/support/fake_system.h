@@ -13,24 +13,27 @@
 
 #include "platform/os/seam.h"
 #include "tests/fakes/fake_audio.h"
+#include "tests/fakes/fake_biometric.h"
+#include "tests/fakes/fake_bluetooth.h"
 #include "tests/fakes/fake_com.h"
+#include "tests/fakes/fake_console_output.h"
 #include "tests/fakes/fake_debug_output.h"
 #include "tests/fakes/fake_device_database.h"
 #include "tests/fakes/fake_device_io.h"
+#include "tests/fakes/fake_display.h"
+#include "tests/fakes/fake_file_system.h"
 #include "tests/fakes/fake_firmware_table.h"
+#include "tests/fakes/fake_input.h"
+#include "tests/fakes/fake_intel_driver.h"
 #include "tests/fakes/fake_ip_helper.h"
+#include "tests/fakes/fake_locale.h"
 #include "tests/fakes/fake_module.h"
 #include "tests/fakes/fake_power.h"
+#include "tests/fakes/fake_security.h"
 #include "tests/fakes/fake_service_control.h"
 #include "tests/fakes/fake_system_info.h"
 #include "tests/fakes/fake_wlan.h"
 #include "tests/fakes/fake_wmi.h"
-#include "tests/fakes/fake_biometric.h"
-#include "tests/fakes/fake_bluetooth.h"
-#include "tests/fakes/fake_desktop.h"
-#include "tests/fakes/fake_file_system.h"
-#include "tests/fakes/fake_locale.h"
-#include "tests/fakes/fake_security.h"
 #include "tests/fakes/scratch_registry.h"
 
 namespace velhal::testing {
@@ -55,10 +58,13 @@ class FakeSystem {
   FakeTiming timing;
   FakeAudio audio;
   FakeCom com{FakeCom::Apartment::kMta};  // the host's apartment
+  FakeConsoleOutput console;
   FakeWlan wlan;
   FakeIpHelper ip_helper;
+  FakeDisplay display;
+  FakeIntelDriver intel_driver;
   FakeLocale locale;
-  FakeDesktop desktop;
+  FakeInput input;
   FakeSecurity security;
   FakeBluetooth bluetooth;
   FakeBiometric biometric;
@@ -80,10 +86,13 @@ class FakeSystem {
   Guard<os::Timing> timing_guard_{timing};
   Guard<os::Audio> audio_guard_{audio};
   Guard<os::Com> com_guard_{com};
+  Guard<os::ConsoleOutput> console_guard_{console};
   Guard<os::Wlan> wlan_guard_{wlan};
   Guard<os::IpHelper> ip_helper_guard_{ip_helper};
+  Guard<os::Display> display_guard_{display};
+  Guard<os::IntelDriver> intel_driver_guard_{intel_driver};
   Guard<os::Locale> locale_guard_{locale};
-  Guard<os::Desktop> desktop_guard_{desktop};
+  Guard<os::Input> input_guard_{input};
   Guard<os::Security> security_guard_{security};
   Guard<os::Bluetooth> bluetooth_guard_{bluetooth};
   Guard<os::Biometric> biometric_guard_{biometric};

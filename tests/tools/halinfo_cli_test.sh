@@ -18,13 +18,16 @@ check "the disks section lists disk 0" grep -q '^  Disk 0$' <<<"$out"
 check "the processor section has clocks in MHz" grep -Eq '^  current clock +([0-9]+ MHz|\?)$' <<<"$out"
 check "the memory section has its total in MiB" grep -Eq '^  total +([0-9]+ MiB|\?)$' <<<"$out"
 check "the battery section names the AC line" grep -Eq '^  AC line +(online|offline|unknown)$' <<<"$out"
+check "the sensors section reports the temperatures" grep -Eq '^  temperatures +(not available|error -?[0-9]+)$|^    zone 0 +-?[0-9]+ C$' <<<"$out"
+check "the touch screen's presence is reported" grep -Eq '^  present +(yes|no)$' <<<"$(sed -n '/^Touch screen$/,$p' <<<"$out")"
 check "the network section reports connectivity" grep -Eq '^  on the Internet +(yes|no|\?)$' <<<"$out"
 check "disk 0 has sizes in MiB and GB" grep -Ezq $'\n    size +[0-9]+ MiB\n    decimal size +[0-9]+ GB\n' <<<"$out"
 
 json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
-for key in operatingSystem processor memory disks battery smbios network audioDevices bluetooth biometric keyboard; do
+for key in operatingSystem processor memory disks battery smbios network sensors touchScreen \
+           graphics monitors display audioDevices bluetooth biometric keyboard; do
   check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
 done
 check "--json is one object" bash -c '[[ ${1:0:1} == "{" && ${1: -1} == "}" ]]' _ "$(tr -d '\r\n' <<<"$json")"
@@ -43,6 +46,12 @@ table=$(dirname "$0")/../data/smbios/wine8-notebook.rsmb
 smbios=$("$wine_run" "$halinfo" --smbios-file "$table" --json | tr -d '\r'); rc=$?
 check "--smbios-file exits 0" test "$rc" -eq 0
 check "--smbios-file decodes the product" grep -q '"productName": "Example Book 14 G2"' <<<"$smbios"
+
+edid=$(dirname "$0")/../data/edid/dell-d3218hn.bin
+decoded=$("$wine_run" "$halinfo" --edid-file "$edid" --json | tr -d '\r'); rc=$?
+check "--edid-file exits 0" test "$rc" -eq 0
+check "--edid-file decodes the name" grep -q '"monitorName": "D3218HN"' <<<"$decoded"
+check "--edid-file decodes the preferred mode" grep -q '"refreshMilliHz": 60000' <<<"$decoded"
 
 alone=$(mktemp -d)
 cp "$halinfo" "$alone/"

@@ -8,21 +8,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "tests/support/run_halinfo.h"
+
 namespace {
 
 const std::string kData = std::string(VELHAL_TEST_DATA_DIR) + "/smbios/";
 
-// Runs halinfo and returns its standard output and exit status.
-std::pair<std::string, int> Halinfo(const std::string& arguments) {
-  const std::string command = std::string(HALINFO_PATH) + " " + arguments + " 2>/dev/null";
-  FILE* pipe = ::popen(command.c_str(), "r");
-  std::string out;
-  char chunk[4096];
-  size_t got = 0;
-  while (pipe != nullptr && (got = std::fread(chunk, 1, sizeof(chunk), pipe)) > 0) out.append(chunk, got);
-  const int status = pipe ? ::pclose(pipe) : -1;
-  return {out, status};
-}
+using velhal::testing::Halinfo;
 
 nlohmann::json Report(const std::string& file) {
   const auto [out, status] = Halinfo("--smbios-file " + file + " --json");

@@ -1,10 +1,12 @@
-// The running machine's firmware identity, through SmBiosHelper.
+// The running machine's firmware identity, through SmBiosHelper; the baseboard and BIOS strings
+// through Baseboard, which also knows the BIOS serial number.
 #include "platform/win32.h"
 
 #include <array>
 #include <cstring>
 #include <vector>
 
+#include "components/baseboard.h"
 #include "firmware/smbios_helper.h"
 #include "tools/halinfo/output.h"
 #include "tools/halinfo/sections.h"
@@ -69,6 +71,17 @@ SmbiosReport FromRunningMachine() {
   for (size_t i = 0; i < r.text.size(); ++i) {
     r.text[i] = ToUtf8((h.*GetterOf(static_cast<Field>(i)))());
   }
+  Baseboard board;
+  const auto set = [&](Field field, const std::wstring& text) {
+    r.text[static_cast<size_t>(field)] = ToUtf8(text);
+  };
+  set(Field::kBoardManufacturer, board.GetBaseboardManufacturer());
+  set(Field::kBoardProduct, board.GetBaseboardProduct());
+  set(Field::kBoardVersion, board.GetBaseboardVersion());
+  set(Field::kBoardSerialNumber, board.GetBaseboardSerialNumber());
+  set(Field::kBiosVendor, board.GetBIOSManufacturer());
+  set(Field::kBiosVersion, board.GetBIOSVersion());
+  set(Field::kBiosReleaseDate, board.GetBIOSReaseDate());
   const GUID uuid = h.GetSysUUID();
   std::array<uint8_t, 16> bytes{};
   std::memcpy(bytes.data(), &uuid, sizeof(uuid));
@@ -95,6 +108,16 @@ SmbiosReport FromRunningMachine() {
 
 }  // namespace
 
-Node FirmwareSection() { return FromRunningMachine().ToNode(); }
+Node FirmwareSection() {
+  Node report = FromRunningMachine().ToNode();
+  // Live only: the BIOS serial falls back to WMI, which a saved table has not.
+  for (Node& group : report.children) {
+    if (group.key == "bios") {
+      group.children.push_back(
+          Text("serialNumber", "serial number", ToUtf8(Baseboard().GetBIOSSerialNumber())));
+    }
+  }
+  return report;
+}
 
 }  // namespace halinfo

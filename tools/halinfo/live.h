@@ -9,6 +9,7 @@ struct Options {
   bool json = false;
   bool devices = false;
   std::string smbios_file;
+  std::string edid_file;
 };
 
 int ReportRunningMachine(const Options& options);

@@ -1,5 +1,6 @@
 // halinfo: this machine's hardware as VelHal sees it, through the library's public interface;
-// and, offline and on any system, a saved SMBIOS table decoded by the library's own parser.
+// and, offline and on any system, a saved SMBIOS table or EDID decoded by the library's own
+// parsers.
 #ifdef _WIN32
 #include "platform/win32.h"
 #endif
@@ -10,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "tools/halinfo/edid_report.h"
 #include "tools/halinfo/live.h"
 #include "tools/halinfo/output.h"
 #include "tools/halinfo/smbios_report.h"
@@ -21,12 +23,13 @@ constexpr int kExitUsage = 2;
 
 int Run(const halinfo::Options& options) {
   if (!options.smbios_file.empty()) return halinfo::ReportSmbiosFile(options.smbios_file, options.json);
+  if (!options.edid_file.empty()) return halinfo::ReportEdidFile(options.edid_file, options.json);
 #ifdef _WIN32
   return halinfo::ReportRunningMachine(options);
 #else
   halinfo::PrintError(
-      "halinfo: this build reads saved tables only (--smbios-file); the running machine's "
-      "report needs Windows.\n");
+      "halinfo: this build reads saved files only (--smbios-file, --edid-file); the running "
+      "machine's report needs Windows.\n");
   return kExitUsage;
 #endif
 }
@@ -42,6 +45,9 @@ int Main(std::vector<std::string> arguments) {
     app.add_option("--smbios-file", options.smbios_file,
                    "Decode a saved SMBIOS table instead (raw firmware table, dmidecode "
                    "--dump-bin file or a copy of /sys/firmware/dmi/tables/DMI)");
+    app.add_option("--edid-file", options.edid_file,
+                   "Decode a saved EDID instead (a copy of /sys/class/drm/*/edid, or a "
+                   "monitor's EDID registry value saved to a file)");
     try {
       app.parse(arguments);
     } catch (const CLI::ParseError& error) {

@@ -2,9 +2,13 @@
 // library's public interface; live.cpp lists them in report order. See node.h to add one.
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "tools/halinfo/node.h"
+
+struct GpAdapterList;  // hal/hal_api.h
 
 namespace halinfo {
 
@@ -14,7 +18,12 @@ Node ProcessorSection();
 Node MemorySection();
 Node DisksSection();
 Node BatterySection();
+Node GraphicsSection();
+Node MonitorsSection();
+Node DisplaySection();
 Node FirmwareSection();
+Node SensorsSection();
+Node TouchScreenSection();
 Node DevicesSection();
 Node NetworkSection();
 Node DriversSection();
@@ -22,6 +31,9 @@ Node AudioDevicesSection();
 Node BluetoothSection();
 Node BiometricSection();
 Node KeyboardSection();
+
+// The name of record index of a graphics block from GpInit (graphics_section.cpp).
+std::wstring GraphicsAdapterName(const GpAdapterList* block, uint32_t index);
 
 // A reading of 0 means "not reported" for the library's numeric getters.
 template <class T>

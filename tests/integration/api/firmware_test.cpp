@@ -1,8 +1,10 @@
 // The firmware identity through VelHal.dll on the table the system really serves, checked
 // field by field against the test's own walk of GetSystemFirmwareTable's bytes; and
-// HardwareConfig on a file the test writes beside the DLL.
+// HardwareConfig on a file the test writes beside the DLL. Wine's own table has no strings;
+// tests/integration/fake_dmi_test.sh runs these tests again with made-up DMI strings.
 #include "platform/win32.h"
 
+#include "components/baseboard.h"
 #include "firmware/hardware_config.h"
 #include "firmware/smbios_helper.h"
 #include "firmware/system_info.h"
@@ -13,6 +15,8 @@
 #include <map>
 #include <string>
 #include <vector>
+
+#include "tests/support/raw_wmi.h"
 
 namespace {
 
@@ -50,6 +54,12 @@ struct OwnWalk {
       p = (set.empty() ? strings_at + 1 : s) + 1;
     }
   }
+  static std::vector<uint8_t> Table() {
+    const UINT size = ::GetSystemFirmwareTable(0x52534D42, 0, nullptr, 0);
+    std::vector<uint8_t> table(size);
+    if (size < 8 || ::GetSystemFirmwareTable(0x52534D42, 0, table.data(), size) != size) return {};
+    return table;
+  }
   std::wstring Text(int type, int offset) const {
     const auto found = strings.find({type, offset});
     const std::string narrow = found == strings.end() ? std::string() : found->second;
@@ -58,10 +68,8 @@ struct OwnWalk {
 };
 
 TEST(FirmwareIdentityTest, AgreesFieldByFieldWithAnIndependentWalk) {
-  const UINT size = ::GetSystemFirmwareTable(0x52534D42, 0, nullptr, 0);
-  if (size < 8) GTEST_SKIP() << "the system serves no SMBIOS table";
-  std::vector<uint8_t> table(size);
-  ASSERT_EQ(::GetSystemFirmwareTable(0x52534D42, 0, table.data(), size), size);
+  const std::vector<uint8_t> table = OwnWalk::Table();
+  if (table.empty()) GTEST_SKIP() << "the system serves no SMBIOS table";
   const OwnWalk own(table);
   const SmBiosHelper& helper = *SmBiosHelper::GetInstance();
   EXPECT_EQ(&helper, SmBiosHelper::GetInstance());
@@ -101,6 +109,37 @@ TEST(FirmwareIdentityTest, AgreesFieldByFieldWithAnIndependentWalk) {
   if (!own.Text(1, 7).empty()) {
     EXPECT_EQ(std::wstring(serial.begin(), serial.end()), own.Text(1, 7));
   }
+}
+
+TEST(FirmwareIdentityTest, BaseboardAgreesWithTheWalkAndWithMadeUpDmiStrings) {
+  const std::vector<uint8_t> table = OwnWalk::Table();
+  if (table.empty()) GTEST_SKIP() << "the system serves no SMBIOS table";
+  const OwnWalk own(table);
+  Baseboard board;
+  const std::wstring read[] = {board.GetBaseboardManufacturer(), board.GetBaseboardProduct(),
+                               board.GetBaseboardVersion(),      board.GetBaseboardSerialNumber(),
+                               board.GetBIOSManufacturer(),      board.GetBIOSVersion(),
+                               board.GetBIOSReaseDate()};
+  const std::wstring walked[] = {own.Text(2, 4), own.Text(2, 5), own.Text(2, 6), own.Text(2, 7),
+                                 own.Text(0, 4), own.Text(0, 5), own.Text(0, 8)};
+  for (size_t i = 0; i < std::size(read); ++i) EXPECT_EQ(read[i], walked[i]) << i;
+  std::wstring serial = own.Text(1, 7);
+  if (serial.empty()) {
+    const auto wmi = velhal::testing::RawWmiTexts(
+        L"ROOT\\CIMV2", L"SELECT SerialNumber FROM Win32_BIOS", L"SerialNumber");
+    if (wmi && !wmi->empty()) serial = wmi->front();
+  }
+  EXPECT_EQ(board.GetBIOSSerialNumber(), serial);
+
+  // Under the made-up strings each DMI file holds "<prefix> <its name>".
+  wchar_t prefix[32] = {};
+  if (::GetEnvironmentVariableW(L"VELHAL_FAKE_DMI", prefix, 32) == 0) return;
+  const auto fake = [&](const wchar_t* file) { return std::wstring(prefix) + L" " + file; };
+  const std::wstring expected[] = {
+      fake(L"board_vendor"), fake(L"board_name"),   fake(L"board_version"), fake(L"board_serial"),
+      fake(L"bios_vendor"),  fake(L"bios_version"), fake(L"bios_date")};
+  for (size_t i = 0; i < std::size(read); ++i) EXPECT_EQ(read[i], expected[i]) << i;
+  EXPECT_EQ(board.GetBIOSSerialNumber(), fake(L"product_serial"));
 }
 
 TEST(FirmwareIdentityTest, HardwareConfigReadsTheFileBesideTheDll) {

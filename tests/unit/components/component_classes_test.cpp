@@ -193,10 +193,10 @@ TEST_F(ComponentClassesTest, BiometricUnitsOfEveryFactorTheFrameworkKnows) {
 
 TEST_F(ComponentClassesTest, KeyboardLayoutAndType) {
   os_.locale.names[0x0407] = L"de-DE";
-  os_.desktop.layout_name = L"00000407";
-  os_.desktop.layouts = {reinterpret_cast<HKL>(0x04070407), reinterpret_cast<HKL>(0xF0020409),
-                         reinterpret_cast<HKL>(0x04150415)};  // the last: a language without a name
-  os_.desktop.keyboard_type = {{0, 7}, {1, 2}, {2, 12}};
+  os_.input.layout_name = L"00000407";
+  os_.input.layouts = {reinterpret_cast<HKL>(0x04070407), reinterpret_cast<HKL>(0xF0020409),
+                       reinterpret_cast<HKL>(0x04150415)};  // the last: a language without a name
+  os_.input.keyboard_type = {{0, 7}, {1, 2}, {2, 12}};
   Keyboard keyboard;
   EXPECT_EQ(keyboard.GetLayoutId(), L"00000407");
   EXPECT_EQ(keyboard.GetLayoutLanguage(), L"de-DE");
@@ -205,9 +205,9 @@ TEST_F(ComponentClassesTest, KeyboardLayoutAndType) {
   EXPECT_EQ(keyboard.GetKeyboardSubType(), 2u);
   EXPECT_EQ(keyboard.GetFunctionKeyCount(), 12u);
 
-  os_.desktop.layout_name.clear();
-  os_.desktop.layouts.clear();
-  os_.desktop.keyboard_type.clear();
+  os_.input.layout_name.clear();
+  os_.input.layouts.clear();
+  os_.input.keyboard_type.clear();
   EXPECT_EQ(keyboard.GetLayoutId(), L"");
   EXPECT_EQ(keyboard.GetLayoutLanguage(), L"");
   EXPECT_TRUE(keyboard.GetLayoutLanguages().empty());

@@ -15,7 +15,7 @@
 
 namespace {
 
-using velhal::testing::FakeDesktop;
+using velhal::testing::FakeDisplay;
 namespace device_class = velhal::device_class;
 
 constexpr wchar_t kCurrentVersion[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
@@ -127,10 +127,12 @@ TEST_F(SystemTest, TimeZoneBiasIncludesTheSeasonInEffect) {
 }
 
 TEST_F(SystemTest, DpiIsReadPerMonitorAwareAndFallsBackOnOlderSystems) {
-  FakeDesktop& desktop = os_.desktop;
-  desktop.system_dpi = 120;
-  desktop.screen_dpi = 120;
-  desktop.monitors = {{144, S_OK}, {96, S_OK}, {0, E_INVALIDARG}};
+  FakeDisplay& display = os_.display;
+  display.system_dpi = 120;
+  display.screen_dpi = 120;
+  display.desktop = {{L"\\\\.\\DISPLAY1", true, 144, S_OK},
+                     {L"\\\\.\\DISPLAY2", false, 96, S_OK},
+                     {L"\\\\.\\DISPLAY3", false, 0, E_INVALIDARG}};
   struct Case {
     const char* name;
     bool v2_refused, awareness_missing, system_dpi_missing, monitor_dpi_missing;
@@ -147,24 +149,24 @@ TEST_F(SystemTest, DpiIsReadPerMonitorAwareAndFallsBackOnOlderSystems) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    desktop.v2_refused = c.v2_refused;
-    desktop.awareness_missing = c.awareness_missing;
-    desktop.system_dpi_missing = c.system_dpi_missing;
-    desktop.monitor_dpi_missing = c.monitor_dpi_missing;
+    display.v2_refused = c.v2_refused;
+    display.awareness_missing = c.awareness_missing;
+    display.system_dpi_missing = c.system_dpi_missing;
+    display.monitor_dpi_missing = c.monitor_dpi_missing;
     EXPECT_EQ(info_.GetSystemDpi(), c.system);
     EXPECT_EQ(info_.GetMonitorDpiList(), c.monitors);
-    EXPECT_EQ(desktop.awareness, DPI_AWARENESS_CONTEXT_UNAWARE) << "the host's awareness is back";
+    EXPECT_EQ(display.awareness, DPI_AWARENESS_CONTEXT_UNAWARE) << "the host's awareness is back";
   }
   // Windows 7 with a per-monitor-aware host: its screen DPI through the device context.
-  desktop.awareness = DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE;
+  display.awareness = DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE;
   EXPECT_EQ(info_.GetMonitorDpiList(), (std::vector<uint32_t>{120, 120, 120}));
 }
 
 TEST_F(SystemTest, SessionPostureAndPowerFacts) {
   EXPECT_FALSE(environment_.IsRemoteSession());
   EXPECT_FALSE(environment_.IsDocked());
-  os_.desktop.metrics[SM_REMOTESESSION] = 1;
-  os_.desktop.metrics[SM_SYSTEMDOCKED] = 1;
+  os_.display.metrics[SM_REMOTESESSION] = 1;
+  os_.display.metrics[SM_SYSTEMDOCKED] = 1;
   EXPECT_TRUE(environment_.IsRemoteSession());
   EXPECT_TRUE(environment_.IsDocked());
 
@@ -182,7 +184,7 @@ TEST_F(SystemTest, SessionPostureAndPowerFacts) {
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << c.role << " " << c.slate_metric);
     os_.power.role = c.role;
-    os_.desktop.metrics[SM_CONVERTIBLESLATEMODE] = c.slate_metric;
+    os_.display.metrics[SM_CONVERTIBLESLATEMODE] = c.slate_metric;
     EXPECT_EQ(environment_.IsSlateMode(), c.slate);
     EXPECT_EQ(environment_.GetPlatformRole(), static_cast<uint32_t>(c.role));
   }

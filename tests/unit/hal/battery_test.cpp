@@ -14,6 +14,7 @@
 #include "hal/hal_api.h"
 #include "platform/device_classes.h"
 #include "platform/wmi_namespaces.h"
+#include "tests/fakes/fake_battery.h"
 #include "tests/fakes/fake_firmware.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/hal_query.h"
@@ -23,7 +24,6 @@ namespace {
 using namespace velhal::testing;
 
 using velhal::wmi::kRootWmi;
-const std::wstring kBatteryPath = L"\\\\?\\acpi#pnp0c0a#1#{72631e54-78a4-11d0-bcf7-00aa00b7b32a}";
 
 class BatteryTest : public ::testing::Test {
  protected:
@@ -42,42 +42,17 @@ class BatteryTest : public ::testing::Test {
   }
   // A battery driver: tag 7, design capacity, voltage and the two names.
   void Driver(ULONG design, ULONG voltage, const std::wstring& name, const std::wstring& maker) {
-    os_.devices.Add(velhal::device_class::kBattery)
-        .interfaces.emplace_back(velhal::device_interface::kBattery, kBatteryPath);
-    auto& device = os_.io.devices[kBatteryPath];
-    device.ioctls[IOCTL_BATTERY_QUERY_TAG] = FakeDeviceIo::Answer(Bytes(ULONG{7}));
-    FakeDeviceIo::Ioctl information;
-    information.by_input = [=](const std::vector<BYTE>& in) {
-      BATTERY_QUERY_INFORMATION query{};
-      std::memcpy(&query, in.data(), std::min(in.size(), sizeof(query)));
-      if (query.BatteryTag != 7) return FakeDeviceIo::Failure(ERROR_FILE_NOT_FOUND);
-      if (query.InformationLevel == BatteryInformation) {
-        BATTERY_INFORMATION info{};
-        info.DesignedCapacity = design;
-        return FakeDeviceIo::Answer(Bytes(info));
-      }
-      if (query.InformationLevel == BatteryDeviceName)
-        return FakeDeviceIo::Answer(Utf16Bytes(name));
-      if (query.InformationLevel == BatteryManufactureName) {
-        return FakeDeviceIo::Answer(Utf16Bytes(maker));
-      }
-      return FakeDeviceIo::Failure(ERROR_INVALID_FUNCTION);
-    };
-    device.ioctls[IOCTL_BATTERY_QUERY_INFORMATION] = information;
-    // Drivers refuse a wait-status input shorter than the published 20 bytes.
-    FakeDeviceIo::Ioctl status;
-    status.by_input = [=](const std::vector<BYTE>& in) {
-      if (in.size() < sizeof(BATTERY_WAIT_STATUS))
-        return FakeDeviceIo::Failure(ERROR_INVALID_PARAMETER);
-      BATTERY_STATUS answer{};
-      answer.Voltage = voltage;
-      return FakeDeviceIo::Answer(Bytes(answer));
-    };
-    device.ioctls[IOCTL_BATTERY_QUERY_STATUS] = status;
+    FakeBattery battery;
+    battery.information.DesignedCapacity = design;
+    battery.status.Voltage = voltage;
+    battery.name = name;
+    battery.maker = maker;
+    battery_path_ = battery.Install(os_.devices, os_.io);
   }
 
   FakeSystem os_;
   FakeFirmware firmware_;
+  std::wstring battery_path_;
 };
 
 TEST_F(BatteryTest, ADesktopHasNoBatteryButReportsItsAcLine) {
@@ -168,7 +143,7 @@ TEST_F(BatteryTest, TheDriverAnswersBeforeWmi) {
   EXPECT_EQ(os_.io.open_handles(), 0u);
 
   // A tag of 0 means an empty slot: WMI again. An empty manufacturer from the driver stays.
-  os_.io.devices[kBatteryPath].ioctls[IOCTL_BATTERY_QUERY_TAG] =
+  os_.io.devices[battery_path_].ioctls[IOCTL_BATTERY_QUERY_TAG] =
       FakeDeviceIo::Answer(Bytes(ULONG{0}));
   EXPECT_EQ(Query(HAL_BATTERY_INFO_DESIGN_CAPACITY), 1u);
   EXPECT_EQ(battery.GetBatteryManufacturer(), L"WMI maker");
