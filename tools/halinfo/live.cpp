@@ -2,18 +2,18 @@
 
 #include "tools/halinfo/live.h"
 
+#include <exception>
 #include <string>
 #include <vector>
 
 #include "hal/hal_batch.h"
+#include "tools/halinfo/exit_codes.h"
 #include "tools/halinfo/node.h"
 #include "tools/halinfo/output.h"
 #include "tools/halinfo/sections.h"
 
 namespace halinfo {
 namespace {
-
-constexpr int kExitLibraryMissing = 3;
 
 enum class Shown { kAlways, kWithDevicesOption };
 
@@ -64,11 +64,20 @@ int ReportRunningMachine(const Options& options) {
   // One batch for the whole inventory: one WMI connection per namespace, each query asked once.
   const HalBatch batch;
   std::vector<Node> sections;
+  int failed = 0;
   for (const Section& section : kSections) {
-    if (section.shown == Shown::kAlways || options.devices) sections.push_back(section.build());
+    if (section.shown != Shown::kAlways && !options.devices) continue;
+    // A section that cannot be made is left out and said; the rest of the report still prints.
+    try {
+      sections.push_back(section.build());
+    } catch (const std::exception& error) {
+      PrintError(std::string("halinfo: section ") + std::to_string(sections.size() + failed + 1) +
+                 " of the report failed: " + error.what() + "\n");
+      ++failed;
+    }
   }
   Print(options.json ? JsonDocument(sections) : PlainText(sections));
-  return 0;
+  return failed == 0 ? kExitSuccess : kExitSectionFailed;
 }
 
 }  // namespace halinfo
