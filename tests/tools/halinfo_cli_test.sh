@@ -31,7 +31,7 @@ json=$("$wine_run" "$halinfo" --json); rc=$?
 check "--json exits 0" test "$rc" -eq 0
 printf '%s' "$json" >"$documents/live.json"
 check "--json carries the version" grep -q "\"version\": \"$version\.0\"" <<<"$json"
-for key in operatingSystem processor memory disks battery smbios network sensors touchScreen \
+for key in windows processor memory disks battery smbios network sensors touchScreen \
            graphics monitors display audioDevices bluetooth biometric keyboard; do
   check "--json has the $key section" grep -q "\"$key\": {" <<<"$json"
 done

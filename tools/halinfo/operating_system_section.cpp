@@ -57,8 +57,9 @@ Node OperatingSystemSection() {
   for (const uint32_t dpi : info.GetMonitorDpiList()) {
     monitors.push_back(Number("", "monitor " + std::to_string(monitors.size() + 1), Reported(dpi)));
   }
+  // The JSON key stays "windows", the section's name since the first schema.
   return Object(
-      "operatingSystem", "Operating system",
+      "windows", "Operating system",
       {Text("productName", "product", ToUtf8(info.GetOsProductName())),
        Text("edition", "edition", ToUtf8(info.GetOsEdition())),
        Text("displayVersion", "display version", ToUtf8(info.GetOsDisplayVersion())),
