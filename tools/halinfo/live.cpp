@@ -45,6 +45,8 @@ constexpr Section kSections[] = {
     {DriversSection, Shown::kWithDevicesOption},
 };
 
+}  // namespace
+
 // VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words
 // instead of by the loader before main runs.
 HMODULE LoadVelHal() {
@@ -52,7 +54,13 @@ HMODULE LoadVelHal() {
                           LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }
 
-}  // namespace
+std::vector<SectionBuilder> ReportSections(bool with_devices) {
+  std::vector<SectionBuilder> builders;
+  for (const Section& section : kSections) {
+    if (section.shown == Shown::kAlways || with_devices) builders.push_back(section.build);
+  }
+  return builders;
+}
 
 int ReportRunningMachine(const Options& options) {
   if (LoadVelHal() == nullptr) {
@@ -65,11 +73,10 @@ int ReportRunningMachine(const Options& options) {
   const HalBatch batch;
   std::vector<Node> sections;
   int failed = 0;
-  for (const Section& section : kSections) {
-    if (section.shown != Shown::kAlways && !options.devices) continue;
+  for (const SectionBuilder build : ReportSections(options.devices)) {
     // A section that cannot be made is left out and said; the rest of the report still prints.
     try {
-      sections.push_back(section.build());
+      sections.push_back(build());
     } catch (const std::exception& error) {
       PrintError(std::string("halinfo: section ") + std::to_string(sections.size() + failed + 1) +
                  " of the report failed: " + error.what() + "\n");
