@@ -17,6 +17,8 @@ foreach(header ${VELHAL_PUBLIC_HEADERS})
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velhal/${folder})
 endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/generated/hal/velhal_version.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velhal/hal)
 install(DIRECTORY config/product_adapter DESTINATION ${CMAKE_INSTALL_BINDIR}/config)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/velhal)
 if(VELHAL_DEBUG_FILE)

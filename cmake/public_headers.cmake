@@ -11,6 +11,8 @@ set(VELHAL_PUBLIC_HEADERS
   firmware/hardware_config.h
   firmware/smbios_helper.h
   firmware/system_info.h
+  firmware/device_id.h
+  firmware/system_environment_info.h
   components/bios_wmi.h
   components/baseboard.h
   components/bios_fun.h
@@ -18,6 +20,9 @@ set(VELHAL_PUBLIC_HEADERS
   components/touch_screen.h
   components/audio_card.h
   components/biometric.h
+  components/bluetooth.h
+  components/component_device.h
+  components/keyboard.h
   components/video_card.h
   components/monitor_device_interface.h
   components/usb_device_interface.h
@@ -26,6 +31,7 @@ set(VELHAL_PUBLIC_HEADERS
   network/network_adapter.h
   network/network_card.h
   platform/device_informention.h
+  platform/file_process.h
   platform/read_reg.h
   platform/service_helpers.h
   platform/string_conversion.h

@@ -5,7 +5,10 @@
 #include "components/bios_wmi.h"
 #include "platform/boundary.h"
 
-bool BiosFun::GetItemCodeByDeviceType(unsigned char& code, DeviceDriverType type) {
+namespace {
+
+// The firmware's item code of a device type; false, code unchanged, for other types.
+bool GetItemCodeByDeviceType(unsigned char& code, DeviceDriverType type) {
   switch (type) {
     case DriverType_WirelessNetwork: code = DeviceBiosSwitchWirelessNetwork; return true;
     case DriverType_Bluetooth: code = DeviceBiosSwitchBluetooth; return true;
@@ -14,6 +17,8 @@ bool BiosFun::GetItemCodeByDeviceType(unsigned char& code, DeviceDriverType type
     default: return false;
   }
 }
+
+}  // namespace
 
 bool BiosFun::GetBiosSwitch(bool& status, DeviceDriverType type) {
   status = true;

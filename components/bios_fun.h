@@ -10,8 +10,4 @@ class VELHAL_API BiosFun {
   // status is set to true first. True when the firmware answered for a known device type;
   // false for any other type (status then stays true) or when the firmware did not answer.
   bool GetBiosSwitch(bool& status, DeviceDriverType type);
-
- private:
-  // The firmware's item code of a device type; false, code unchanged, for other types.
-  static bool GetItemCodeByDeviceType(unsigned char& code, DeviceDriverType type);
 };

@@ -105,7 +105,7 @@ ComPtr<IWbemClassObject> FirstInstance(IWbemServices& services) {
   }
   ComPtr<IWbemClassObject> first;
   ULONG returned = 0;
-  const auto timeout = static_cast<LONG>(velhal::wmi::kQueryTimeout.count());
+  const auto timeout = static_cast<LONG>(velhal::wmi::QueryTimeout().count());
   if (FAILED(instances->Next(timeout, 1, first.Put(), &returned)) || returned == 0) return {};
   return first;
 }
@@ -190,9 +190,14 @@ void TouchScreen::CloseTrifingerDriver() { Switch(0); }
 TouchScreenControlImp::TouchScreenControlImp()
     : services_(nullptr), instance_(nullptr), com_initialised_(false) {}
 
+// Every use of WMI here, the release of its pointers included, waits for the platform's turn
+// (see wmi::Turn), as the library's queries do.
 TouchScreenControlImp::~TouchScreenControlImp() {
-  if (instance_ != nullptr) instance_->Release();
-  if (services_ != nullptr) services_->Release();
+  if (instance_ != nullptr || services_ != nullptr) {
+    const velhal::wmi::Turn turn;
+    if (instance_ != nullptr) instance_->Release();
+    if (services_ != nullptr) services_->Release();
+  }
   if (com_initialised_) os::com().CoUninitialize();
 }
 
@@ -203,6 +208,8 @@ int TouchScreenControlImp::Open() {
     if (!com_initialised_) {
       com_initialised_ = SUCCEEDED(os::com().CoInitializeEx(nullptr, COINIT_MULTITHREADED));
     }
+    const velhal::wmi::Turn turn;
+    if (!turn.granted()) return 0;
     ComPtr<IWbemServices> services = Connect();
     if (!services) {
       WriteDiagnostic("Could not connect name.", kOpen);
@@ -224,6 +231,8 @@ int TouchScreenControlImp::Open() {
 int TouchScreenControlImp::SetApplicationInstall(int value) {
   return velhal::CallGuarded(0, [&] {
     if (services_ == nullptr || instance_ == nullptr) return 0;
+    const velhal::wmi::Turn turn;
+    if (!turn.granted()) return 0;
     // The name's length counts its terminating NUL (19 units for 18 characters); callers rely
     // on it.
     const Bstr name(kProperty, static_cast<UINT>(std::size(kProperty)));

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 namespace velhal::smbios {
 namespace {
@@ -181,24 +182,90 @@ std::optional<SavedTable> DetectSavedTable(const uint8_t* data, size_t size) {
                static_cast<size_t>(address), size - static_cast<size_t>(address)};
       const uint64_t maximum = u32(0x0C);
       if (maximum < table.length) table.length = static_cast<size_t>(maximum);
-      return table;
+      return table;  // a maximum, not a length: a shorter table is not cut
     }
   }
   if (size >= 31 && std::memcmp(data, "_SM_", 4) == 0 && std::memcmp(data + 0x10, "_DMI_", 5) == 0) {
     const uint32_t address = u32(0x18);
     if (address < size) {
       const size_t length = std::min<size_t>(u16(0x16), size - address);
-      return SavedTable{SavedFormat::kDmidecodeDump, data[6], data[7], 0, address, length};
+      return SavedTable{SavedFormat::kDmidecodeDump, data[6], data[7], 0, address, length,
+                        length < u16(0x16)};
     }
   }
-  // A raw firmware table: calling-method flag 0 or 1, then the length of exactly what follows.
+  // A raw firmware table: calling-method flag 0 or 1, then the length of exactly what follows,
+  // or of more when the file was cut short (a version of 2 or 3 tells such a file from bytes
+  // that only happen to start like one).
   if (const auto header = ReadRawHeader(data, size)) {
     if (data[0] <= 1 && header->length == size - 8) {
       return SavedTable{SavedFormat::kRawFirmwareTable, header->major, header->minor,
                         header->dmi_revision, 8, header->length};
     }
+    if (data[0] <= 1 && header->length > size - 8 && (header->major == 2 || header->major == 3)) {
+      return SavedTable{SavedFormat::kRawFirmwareTable, header->major, header->minor,
+                        header->dmi_revision, 8, size - 8, true};
+    }
   }
   return SavedTable{SavedFormat::kBareTable, 0, 0, 0, 0, size};
+}
+
+TableCheck CheckTable(const uint8_t* start, size_t length) {
+  TableCheck check;
+  if (start == nullptr) return check;
+  const uint8_t* const end = start + length;
+  for (const uint8_t* at = start; at < end;) {
+    const size_t left = static_cast<size_t>(end - at);
+    if (left < 4 || at[1] < 4 || at[1] > left) {
+      check.damaged = true;
+      break;
+    }
+    const uint8_t* p = at + at[1];
+    while (p + 1 < end && !(p[0] == 0 && p[1] == 0)) ++p;
+    if (p + 1 >= end) {
+      check.damaged = true;
+      break;
+    }
+    ++check.structures;
+    if (at[0] == 127) {
+      check.end_of_table = true;
+      break;
+    }
+    at = p + 2;
+  }
+  return check;
+}
+
+const char* ChassisTypeName(uint8_t type) {
+  static constexpr const char* kNames[] = {
+      nullptr, "Other", "Unknown", "Desktop", "Low Profile Desktop", "Pizza Box", "Mini Tower",
+      "Tower", "Portable", "Laptop", "Notebook", "Hand Held", "Docking Station", "All In One",
+      "Sub Notebook", "Space-saving", "Lunch Box", "Main Server Chassis", "Expansion Chassis",
+      "Sub Chassis", "Bus Expansion Chassis", "Peripheral Chassis", "RAID Chassis",
+      "Rack Mount Chassis", "Sealed-case PC", "Multi-system", "CompactPCI", "AdvancedTCA",
+      "Blade", "Blade Enclosing", "Tablet", "Convertible", "Detachable", "IoT Gateway",
+      "Embedded PC", "Mini PC", "Stick PC"};
+  const uint8_t value = type & 0x7F;
+  return value < std::size(kNames) ? kNames[value] : nullptr;
+}
+
+std::string UuidText(const std::array<uint8_t, 16>& bytes, uint8_t major, uint8_t minor) {
+  if (std::all_of(bytes.begin(), bytes.end(), [](uint8_t b) { return b == 0xFF; })) {
+    return "Not Present";
+  }
+  if (std::all_of(bytes.begin(), bytes.end(), [](uint8_t b) { return b == 0; })) {
+    return "Not Settable";
+  }
+  const bool little_endian = major == 0 || major > 2 || (major == 2 && minor >= 6);
+  static constexpr int kLittleOrder[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (int i = 0; i < 16; ++i) {
+    const uint8_t b = bytes[little_endian ? kLittleOrder[i] : i];
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    text += kDigits[b >> 4];
+    text += kDigits[b & 0xF];
+  }
+  return text;
 }
 
 }  // namespace velhal::smbios

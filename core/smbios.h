@@ -48,10 +48,31 @@ struct SavedTable {
   SavedFormat format = SavedFormat::kBareTable;
   uint8_t major = 0, minor = 0, dmi_revision = 0;
   size_t offset = 0, length = 0;  // of the structures within the file
+  bool truncated = false;         // the table's header promises more bytes than the file holds
 };
 // Recognises a Windows raw firmware table (its 8-byte header), a "dmidecode --dump-bin" file
 // (an _SM_ or _SM3_ entry point with the table behind it) or a bare structure table such as a
 // copy of /sys/firmware/dmi/tables/DMI (versions then 0). Nullopt for an empty file.
 std::optional<SavedTable> DetectSavedTable(const uint8_t* data, size_t size);
+
+// What a strict walk finds in [start, start + length): how many whole structures (a header of
+// at least 4 bytes within the buffer and a string set closed by two NULs within it) come before
+// the first that is not whole, or before the end-of-table record (type 127, counted).
+struct TableCheck {
+  size_t structures = 0;
+  bool damaged = false;       // a structure is cut short or malformed
+  bool end_of_table = false;  // the walk met type 127
+};
+TableCheck CheckTable(const uint8_t* start, size_t length);
+
+// The chassis type's name (DSP0134 7.4.1), of the byte without its lock bit; nullptr for a
+// value the standard does not name.
+const char* ChassisTypeName(uint8_t type);
+
+// The system UUID as text, the way dmidecode prints it: "Not Present" when every byte is 0xFF,
+// "Not Settable" when every byte is 0, else 8-4-4-4-12 hexadecimal digits, the first three
+// fields little-endian from SMBIOS 2.6 on (and when the version is unknown, 0.0), big-endian
+// before.
+std::string UuidText(const std::array<uint8_t, 16>& bytes, uint8_t major, uint8_t minor);
 
 }  // namespace velhal::smbios

@@ -3,12 +3,15 @@
 #include "drivers/device_driver.h"
 
 #include <cwchar>
-#include <initializer_list>
 #include <optional>
 #include <string_view>
 
 #include "components/audio_card.h"
 #include "components/biometric.h"
+#include "components/bluetooth.h"
+#include "components/class_driver_version.h"
+#include "components/device_kinds.h"
+#include "components/keyboard.h"
 #include "network/network_card.h"
 #include "platform/boundary.h"
 #include "platform/device_classes.h"
@@ -16,7 +19,6 @@
 #include "platform/diagnostics.h"
 #include "platform/os/device_database.h"
 #include "platform/os/timing.h"
-#include "platform/text_search.h"
 
 namespace {
 
@@ -29,16 +31,9 @@ constexpr DWORD kRescanWaitMs = 1000;  // the rescan runs in the background
 constexpr char kScanWhere[] = "DeviceDriver::ScanForHardwareChange";
 
 std::optional<GUID> SetupClassOf(DeviceDriverType type) {
-  switch (type) {
-    case DriverType_WirelessNetwork: return device_class::kNet;
-    case DriverType_Bluetooth: return device_class::kBluetooth;
-    case DriverType_Biometric: return device_class::kBiometric;
-    case DriverType_Audio: return device_class::kMedia;
-    case DriverType_Keyboard: return device_class::kKeyboard;
-    case DriverType_DisplayAdapter: return device_class::kDisplay;
-    case DriverType_Usb: return device_class::kUsb;
-  }
-  return std::nullopt;
+  const velhal::components::DeviceKind* kind = velhal::components::FindDeviceKind(type);
+  if (kind == nullptr) return std::nullopt;
+  return kind->setup_class;
 }
 
 // The class a repair operation works in: never the keyboard's, the USB class only for removal.
@@ -98,21 +93,6 @@ std::optional<SP_DEVINFO_DATA> FindByHardwareIds(HDEVINFO set, const std::wstrin
     }
   }
   return std::nullopt;
-}
-
-// The driver version of the first of the class's devices whose first hardware ID begins with
-// one of the prefixes; empty when there is none.
-std::wstring VersionOfFirst(const GUID& setup_class,
-                            std::initializer_list<const wchar_t*> prefixes) {
-  DeviceInformention devices;
-  for (const std::wstring& id : devices.GetDeviceHardwareId(setup_class)) {
-    for (const wchar_t* prefix : prefixes) {
-      if (velhal::StartsWith(id, prefix)) {
-        return devices.GetDeviceStrInfoByHardwareId(id, setup_class, DeviceProperty_DriverVersion);
-      }
-    }
-  }
-  return {};
 }
 
 }  // namespace
@@ -201,12 +181,14 @@ std::wstring GetDeviceDriverVersion(DeviceDriverType type) {
     switch (type) {
       case DriverType_WirelessNetwork:
         return NetworkCard().GetDriverVersion(NetworkCardType_Wireless);
-      case DriverType_Bluetooth:
-        return VersionOfFirst(device_class::kBluetooth, {L"USB", L"QCA_SHB"});
+      case DriverType_Bluetooth: return Bluetooth().GetDriverVersion();
       case DriverType_Biometric: return Biometric().GetDriverVersion();
       case DriverType_Audio: return AudioCard().GetDriverVersion();
-      case DriverType_Keyboard: return VersionOfFirst(device_class::kKeyboard, {L"ACPI"});
-      case DriverType_DisplayAdapter: return VersionOfFirst(device_class::kDisplay, {L"PCI"});
+      case DriverType_Keyboard: return Keyboard().GetDriverVersion();
+      case DriverType_DisplayAdapter:
+        return velhal::components::DriverVersionOfFirstWith(
+            device_class::kDisplay,
+            velhal::components::FindDeviceKind(DriverType_DisplayAdapter)->Prefixes());
       case DriverType_Usb: break;
     }
     return {};

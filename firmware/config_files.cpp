@@ -6,16 +6,12 @@
 #include <xmllite.h>
 
 #include "platform/com_ptr.h"
-#include "platform/os/file_system.h"
-#include "platform/os/module.h"
+#include "platform/file_process.h"
 
 namespace velhal::firmware {
 namespace {
 
 const wchar_t kProductAdapterFolder[] = L"config\\product_adapter\\";
-
-// A function of this library, to find the module it lives in.
-void Anchor() {}
 
 // XmlLite ships with Windows but MinGW has no import library for it: bound at run time.
 using CreateXmlReaderFn = HRESULT(WINAPI*)(REFIID, void**, IMalloc*);
@@ -34,33 +30,12 @@ CreateXmlReaderFn XmlReaderFactory() {
 }  // namespace
 
 std::optional<std::wstring> ProductAdapterPath(const wchar_t* file) {
-  HMODULE self = nullptr;
-  if (!os::module().GetModuleHandleExW(
-          GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-          reinterpret_cast<const wchar_t*>(&Anchor), &self)) {
-    return std::nullopt;
-  }
-  std::wstring path(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length =
-        os::module().GetModuleFileNameW(self, path.data(), static_cast<DWORD>(path.size()));
-    if (length == 0) return std::nullopt;
-    if (length < path.size()) {
-      path.resize(length);
-      break;
-    }
-    if (path.size() >= 32768) return std::nullopt;
-    path.resize(path.size() * 2);
-  }
-  const size_t slash = path.find_last_of(L"\\/");
-  if (slash == std::wstring::npos) return std::nullopt;
-  return path.substr(0, slash + 1) + kProductAdapterFolder + file;
+  const std::wstring folder = FileProcess().GetLibraryFolder();
+  if (folder.empty()) return std::nullopt;
+  return folder + kProductAdapterFolder + file;
 }
 
-bool FileExists(const std::wstring& path) {
-  const DWORD attributes = os::file_system().GetFileAttributesW(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
-}
+bool FileExists(const std::wstring& path) { return FileProcess().IsFileExist(path); }
 
 ChildText ReadFirstChildText(const std::wstring& path, const wchar_t* child) {
   ChildText result;

@@ -28,13 +28,10 @@ class VELHAL_API HardwareConfig {
   HardwareConfig& operator=(const HardwareConfig&) = delete;
 
  private:
-  HardwareConfig();
-  int InitHardwareConfigNode(const std::wstring& path);
-  void InitHardwareConfigInfo(const std::wstring& vendorText);
-  void ResetFeatureStatus();
+  HardwareConfig() = default;  // GetInstance's, which loads it
 
   // Loading updates these under the lock; GetAudioVendor reads them under it.
   mutable std::mutex mutex_;
-  int load_result_;
+  int load_result_ = -4;  // no file until the first load
   std::vector<std::string> audio_vendors_;
 };

@@ -3,6 +3,8 @@
 #include "firmware/smbios_helper.h"
 
 #include <cstring>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -24,28 +26,34 @@ std::vector<std::string> g_unsupported_skus;
 
 using enum velhal::smbios::Field;
 
-SmBiosHelper::SmBiosHelper()
-    : major_version_(0), minor_version_(0), dmi_revision_(0), system_uuid_{}, chassis_type_(0) {
-  velhal::CallGuarded(false, [&] {
-    const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
-    const velhal::smbios::Fields& f = snapshot.fields;
-    major_version_ = snapshot.major;
-    minor_version_ = snapshot.minor;
-    dmi_revision_ = snapshot.dmi_revision;
-    text_.resize(f.text.size());
-    for (size_t i = 0; i < text_.size(); ++i) text_[i] = AnsiToWide(f.text[i]);
-    std::memcpy(&system_uuid_, f.system_uuid.data(), sizeof(system_uuid_));
-    chassis_type_ = f.chassis_type;
-    for (const auto& [number, text] : f.oem_strings) oem_strings_[number] = AnsiToWide(text);
-    return true;
-  });
-  velhal::CallGuarded(false, [] {
-    std::vector<std::string> skus = velhal::firmware::ReadUnsupportedSkus();
-    const std::lock_guard<std::mutex> lock(g_sku_mutex);
-    g_unsupported_skus = std::move(skus);
-    return true;
-  });
-}
+struct SmBiosHelper::Reader {
+  // The instance, from the firmware's table; the unsupported-SKU list is read beside it.
+  static std::unique_ptr<SmBiosHelper> Read() {
+    std::unique_ptr<SmBiosHelper> helper(new SmBiosHelper());
+    velhal::CallGuarded(false, [&] {
+      const velhal::firmware::SmBiosSnapshot snapshot = velhal::firmware::ReadSmBios();
+      const velhal::smbios::Fields& f = snapshot.fields;
+      helper->major_version_ = snapshot.major;
+      helper->minor_version_ = snapshot.minor;
+      helper->dmi_revision_ = snapshot.dmi_revision;
+      helper->text_.resize(f.text.size());
+      for (size_t i = 0; i < f.text.size(); ++i) helper->text_[i] = AnsiToWide(f.text[i]);
+      std::memcpy(&helper->system_uuid_, f.system_uuid.data(), sizeof(helper->system_uuid_));
+      helper->chassis_type_ = f.chassis_type;
+      for (const auto& [number, text] : f.oem_strings) {
+        helper->oem_strings_[number] = AnsiToWide(text);
+      }
+      return true;
+    });
+    velhal::CallGuarded(false, [] {
+      std::vector<std::string> skus = velhal::firmware::ReadUnsupportedSkus();
+      const std::lock_guard<std::mutex> lock(g_sku_mutex);
+      g_unsupported_skus = std::move(skus);
+      return true;
+    });
+    return helper;
+  }
+};
 
 namespace {
 
@@ -66,7 +74,7 @@ SmBiosHelper* SmBiosHelper::GetInstance() {
   return velhal::CallGuarded<SmBiosHelper*>(nullptr, [] {
     return &Instance().Get([] {
       velhal::RegisterProcessStateReset(&ForgetInstance);
-      return std::unique_ptr<SmBiosHelper>(new SmBiosHelper());
+      return Reader::Read();
     });
   });
 }
@@ -78,13 +86,13 @@ std::wstring Text(const std::vector<std::wstring>& text, velhal::smbios::Field f
   return index < text.size() ? text[index] : std::wstring();
 }
 
-}  // namespace
-
 // A lookup that finds nothing answers empty and inserts nothing, so readers never race.
-std::wstring SmBiosHelper::Oem(int number) const {
-  const auto found = oem_strings_.find(number);
-  return found == oem_strings_.end() ? std::wstring() : found->second;
+std::wstring Oem(const std::map<int, std::wstring>& strings, int number) {
+  const auto found = strings.find(number);
+  return found == strings.end() ? std::wstring() : found->second;
 }
+
+}  // namespace
 
 std::wstring SmBiosHelper::GetBIOSVendor() const { return Text(text_, kBiosVendor); }
 std::wstring SmBiosHelper::GetBIOSVersion() const { return Text(text_, kBiosVersion); }
@@ -111,16 +119,18 @@ std::wstring SmBiosHelper::GetSecSerialNumber() const { return Text(text_, kChas
 std::wstring SmBiosHelper::GetSecAssetTagNumber() const { return Text(text_, kChassisAssetTag); }
 std::wstring SmBiosHelper::GetSecSKU() const { return Text(text_, kChassisSku); }
 std::string SmBiosHelper::GetSecSkuA() const { return WideToAnsi(GetSecSKU()); }
-std::wstring SmBiosHelper::GetOemString1() const { return Oem(1); }
-std::wstring SmBiosHelper::GetOemString2() const { return Oem(2); }
-std::wstring SmBiosHelper::GetOemString3() const { return Oem(3); }
-std::wstring SmBiosHelper::GetOemString4() const { return Oem(4); }
-std::string SmBiosHelper::GetOemBiosWhitePointInfo() const { return WideToAnsi(Oem(6)); }
-std::wstring SmBiosHelper::GetOemProductName() const { return Oem(7); }
-std::wstring SmBiosHelper::GetPropagandaName() const { return Oem(10); }
+std::wstring SmBiosHelper::GetOemString1() const { return Oem(oem_strings_, 1); }
+std::wstring SmBiosHelper::GetOemString2() const { return Oem(oem_strings_, 2); }
+std::wstring SmBiosHelper::GetOemString3() const { return Oem(oem_strings_, 3); }
+std::wstring SmBiosHelper::GetOemString4() const { return Oem(oem_strings_, 4); }
+std::string SmBiosHelper::GetOemBiosWhitePointInfo() const {
+  return WideToAnsi(Oem(oem_strings_, 6));
+}
+std::wstring SmBiosHelper::GetOemProductName() const { return Oem(oem_strings_, 7); }
+std::wstring SmBiosHelper::GetPropagandaName() const { return Oem(oem_strings_, 10); }
 
 uint16_t SmBiosHelper::GetBiosDeviceValue() const {
-  return velhal::identity::DeviceValue(Oem(1));
+  return velhal::identity::DeviceValue(Oem(oem_strings_, 1));
 }
 bool SmBiosHelper::IsCorvaneDevice() const {
   return velhal::identity::IsCorvane(GetBiosDeviceValue());
@@ -128,9 +138,7 @@ bool SmBiosHelper::IsCorvaneDevice() const {
 bool SmBiosHelper::IsTalmerDevice() const {
   return velhal::identity::IsTalmer(GetBiosDeviceValue());
 }
-bool SmBiosHelper::IsSmartDevice() const {
-  return velhal::identity::IsSmart(GetBiosDeviceValue());
-}
+bool SmBiosHelper::IsSmartDevice() const { return velhal::identity::IsSmart(GetBiosDeviceValue()); }
 bool SmBiosHelper::IsBrakkonDevice() const {
   return velhal::identity::IsBrakkon(GetBiosDeviceValue());
 }
@@ -149,20 +157,20 @@ BrandType SmBiosHelper::GetBrandType() const {
 
 bool SmBiosHelper::GetComsumerType(DeviceConsumerType& type) const {
   uint32_t value = 0;
-  const bool known = velhal::identity::ConsumerType(Oem(1), value);
+  const bool known = velhal::identity::ConsumerType(Oem(oem_strings_, 1), value);
   type = static_cast<DeviceConsumerType>(value);
   return known;
 }
 
 bool SmBiosHelper::IsConsumerTypeToB() const {
-  return velhal::identity::IsConsumerTypeToB(Oem(1));
+  return velhal::identity::IsConsumerTypeToB(Oem(oem_strings_, 1));
 }
 
 bool SmBiosHelper::IsUnsupportWifiAndBT() const {
   return velhal::CallGuarded(false, [&] {
     const std::lock_guard<std::mutex> lock(g_sku_mutex);
-    return velhal::identity::IsUnsupportWifiAndBt(Oem(7), Oem(1), GetSecSkuA(),
-                                                  g_unsupported_skus);
+    return velhal::identity::IsUnsupportWifiAndBt(Oem(oem_strings_, 7), Oem(oem_strings_, 1),
+                                                  GetSecSkuA(), g_unsupported_skus);
   });
 }
 

@@ -86,15 +86,15 @@ class VELHAL_API SmBiosHelper {
   SmBiosHelper& operator=(const SmBiosHelper&) = delete;
 
  private:
-  SmBiosHelper();
-  std::wstring Oem(int number) const;
+  SmBiosHelper() = default;
+  struct Reader;  // makes the instance from the firmware (smbios_helper.cpp)
 
-  uint32_t major_version_;
-  uint32_t minor_version_;
-  uint32_t dmi_revision_;
+  uint32_t major_version_ = 0;
+  uint32_t minor_version_ = 0;
+  uint32_t dmi_revision_ = 0;
   std::vector<std::wstring> text_;  // by velhal::smbios::Field (core/smbios_fields.h)
-  GUID system_uuid_;
-  unsigned char chassis_type_;
+  GUID system_uuid_{};
+  unsigned char chassis_type_ = 0;
   std::map<int, std::wstring> oem_strings_;
 };
 

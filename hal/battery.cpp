@@ -13,15 +13,15 @@ namespace {
 
 constexpr uint32_t kAcUnknown = 255;
 
-}  // namespace
-
-uint32_t Battery::Number(EnumHalBatteryQueryInfo infoClass, uint32_t failed) {
+uint32_t Number(EnumHalBatteryQueryInfo infoClass, uint32_t failed = 0) {
   return CallGuarded(failed, [&] {
     uint32_t value = 0;
     uint32_t returned = 0;
     return BtQueryInformation(infoClass, &value, sizeof(value), &returned) ? value : failed;
   });
 }
+
+}  // namespace
 
 bool Battery::Init() { return BtInit() == 1; }
 bool Battery::CheckBattery() { return Number(HalBatteryPresent) == 1; }
@@ -33,9 +33,7 @@ uint32_t Battery::GetBatteryVoltage() { return Number(HalBatteryVoltage); }
 uint32_t Battery::GetChargeRate() { return Number(HalBatteryChargeRate); }
 uint32_t Battery::GetDisChargeRate() { return Number(HalBatteryDischargeRate); }
 
-float Battery::GetBattertLoss() {
-  return static_cast<float>(Number(HalBatteryLoss)) / 100.0f;
-}
+float Battery::GetBattertLoss() { return static_cast<float>(Number(HalBatteryLoss)) / 100.0f; }
 
 uint32_t Battery::GetBatteryPercent() {
   return CallGuarded(0u, [&]() -> uint32_t {

@@ -52,6 +52,4 @@ class VELHAL_API Battery {
   // Any class as text: numbers in decimal, names as they are; empty on failure.
   std::wstring GetProperty(EnumHalBatteryQueryInfo infoClass);
 
- private:
-  uint32_t Number(EnumHalBatteryQueryInfo infoClass, uint32_t failed = 0);
 };

@@ -10,13 +10,18 @@
 
 using velhal::CallGuarded;
 
-Cpu::Cpu() : initialized_(false) {}
+namespace {
 
-void Cpu::EnsureDetected() {
-  if (initialized_) return;
+// Detects the processor type once per object.
+void EnsureDetected(bool& initialized) {
+  if (initialized) return;
   velhal::hal::DetectCpuType();
-  initialized_ = true;
+  initialized = true;
 }
+
+}  // namespace
+
+Cpu::Cpu() : initialized_(false) {}
 
 void Cpu::Init() {
   CallGuarded(false, [] {
@@ -27,7 +32,7 @@ void Cpu::Init() {
 
 std::wstring Cpu::GetProperty(EnumHalCpuQueryInformation infoClass) {
   return CallGuarded(std::wstring{}, [&]() -> std::wstring {
-    EnsureDetected();
+    EnsureDetected(initialized_);
     std::array<char, 260> text{};
     uint32_t returned = 0;
     if (CpuQueryInformation(infoClass, text.data(), static_cast<uint32_t>(text.size()),
@@ -40,7 +45,7 @@ std::wstring Cpu::GetProperty(EnumHalCpuQueryInformation infoClass) {
 
 unsigned long Cpu::GetUlongPropter(EnumHalCpuQueryInformation infoClass) {
   return CallGuarded(0ul, [&]() -> unsigned long {
-    EnsureDetected();
+    EnsureDetected(initialized_);
     uint32_t value = 0;
     uint32_t returned = 0;
     if (CpuQueryInformation(infoClass, &value, sizeof(value), &returned) != 1) return 0;
@@ -48,9 +53,7 @@ unsigned long Cpu::GetUlongPropter(EnumHalCpuQueryInformation infoClass) {
   });
 }
 
-EnmHalCpuType Cpu::GetCputype() {
-  return static_cast<EnmHalCpuType>(GetUlongPropter(HalCpuType));
-}
+EnmHalCpuType Cpu::GetCputype() { return static_cast<EnmHalCpuType>(GetUlongPropter(HalCpuType)); }
 
 std::wstring Cpu::GetCpuManufacturer() { return GetProperty(HalCpuVendor); }
 std::wstring Cpu::GetCpuName() { return GetProperty(HalCpuName); }

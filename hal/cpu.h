@@ -63,7 +63,5 @@ class VELHAL_API Cpu {
   float GetCpuUsage();                // not measured: always 0.0
 
  private:
-  void EnsureDetected();
-
-  bool initialized_;
+  bool initialized_;  // the processor type detected for this object
 };

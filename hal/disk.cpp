@@ -22,30 +22,20 @@ constexpr uint32_t kMediaScm = 5;
 
 constexpr uint32_t kTextBufferBytes = 1024;
 
-}  // namespace
-
-Disk::Disk() : list_(nullptr), count_(0) {}
-
-Disk::~Disk() {
-  if (list_ == nullptr) return;
-  for (int i = 0; i < count_; ++i)
-    HalCloseDevice(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(i)));
-  std::free(list_);
-}
-
-bool Disk::EnsureList() {
-  if (list_ != nullptr) return true;
-  HalDeviceList* list = nullptr;
-  if (!HalInit(HAL_CLASS_DISK, &list) || list == nullptr) return false;
-  list_ = list;
-  count_ = static_cast<int32_t>(list->count);
+// The object's class-5 list and its count, opened on first use.
+bool EnsureList(HalDeviceList*& list, int32_t& count) {
+  if (list != nullptr) return true;
+  HalDeviceList* opened = nullptr;
+  if (!HalInit(HAL_CLASS_DISK, &opened) || opened == nullptr) return false;
+  list = opened;
+  count = static_cast<int32_t>(opened->count);
   return true;
 }
 
 // The one getter behind every member: queries class 5 for one disk, opening it on first use.
-bool Disk::Number(uint32_t infoClass, int index, uint64_t& value) {
-  if (!EnsureList() || index < 0 || index >= count_) return false;
-  HalDeviceEntry* entry = velhal::hal::EntryAt(list_, static_cast<uint32_t>(index));
+bool Number(HalDeviceList*& list, int32_t& count, uint32_t infoClass, int index, uint64_t& value) {
+  if (!EnsureList(list, count) || index < 0 || index >= count) return false;
+  HalDeviceEntry* entry = velhal::hal::EntryAt(list, static_cast<uint32_t>(index));
   // A failed open leaves INVALID_HANDLE_VALUE in the slot; clearing it makes the next member
   // try again instead of querying a dead handle.
   if (entry->handle == nullptr && !HalOpenDevice(HAL_CLASS_DISK, entry)) entry->handle = nullptr;
@@ -60,23 +50,34 @@ bool Disk::Number(uint32_t infoClass, int index, uint64_t& value) {
   return true;
 }
 
-std::wstring Disk::Text(uint32_t infoClass, int index) {
-  if (!EnsureList() || index < 0 || index >= count_) return {};
+std::wstring Text(HalDeviceList*& list, int32_t& count, uint32_t infoClass, int index) {
+  if (!EnsureList(list, count) || index < 0 || index >= count) return {};
   std::array<wchar_t, kTextBufferBytes / sizeof(wchar_t)> buffer{};
   uint32_t returned = 0;
-  if (!HalQueryInformation(HAL_CLASS_DISK,
-                           velhal::hal::EntryAt(list_, static_cast<uint32_t>(index)), infoClass,
-                           buffer.data(), kTextBufferBytes, &returned)) {
+  if (!HalQueryInformation(HAL_CLASS_DISK, velhal::hal::EntryAt(list, static_cast<uint32_t>(index)),
+                           infoClass, buffer.data(), kTextBufferBytes, &returned)) {
     return {};
   }
   return std::wstring(buffer.data(), returned / sizeof(wchar_t));
 }
 
-uint64_t Disk::Sum(uint64_t (Disk::*perDisk)(int)) {
-  if (!EnsureList()) return 0;
+// A per-disk member summed over every disk.
+uint64_t Sum(Disk& disk, HalDeviceList*& list, int32_t& count, uint64_t (Disk::*perDisk)(int)) {
+  if (!EnsureList(list, count)) return 0;
   uint64_t total = 0;
-  for (int i = 0; i < count_; ++i) total += (this->*perDisk)(i);
+  for (int i = 0; i < count; ++i) total += (disk.*perDisk)(i);
   return total;
+}
+
+}  // namespace
+
+Disk::Disk() : list_(nullptr), count_(0) {}
+
+Disk::~Disk() {
+  if (list_ == nullptr) return;
+  for (int i = 0; i < count_; ++i)
+    HalCloseDevice(HAL_CLASS_DISK, velhal::hal::EntryAt(list_, static_cast<uint32_t>(i)));
+  std::free(list_);
 }
 
 int Disk::GetPhysicDiskNumbers() {
@@ -96,28 +97,28 @@ int Disk::GetPhysicDiskNumbers() {
 uint64_t Disk::GetTotalCapacity(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(HAL_DISK_INFO_SIZE_MIB, index, value) ? value : 0;
+    return Number(list_, count_, HAL_DISK_INFO_SIZE_MIB, index, value) ? value : 0;
   });
 }
 
 uint64_t Disk::GetTotalVendorCapacity(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(HAL_DISK_INFO_SIZE_DECIMAL_GB, index, value) ? value : 0;
+    return Number(list_, count_, HAL_DISK_INFO_SIZE_DECIMAL_GB, index, value) ? value : 0;
   });
 }
 
 uint64_t Disk::GetTotalVendorCapacityM(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(HAL_DISK_INFO_SIZE_DECIMAL_MB, index, value) ? value : 0;
+    return Number(list_, count_, HAL_DISK_INFO_SIZE_DECIMAL_MB, index, value) ? value : 0;
   });
 }
 
 uint64_t Disk::GetRemainCapacity(int index) {
   return CallGuarded(uint64_t{0}, [&] {
     uint64_t value = 0;
-    return Number(HAL_DISK_INFO_FREE_MIB, index, value) ? value : 0;
+    return Number(list_, count_, HAL_DISK_INFO_FREE_MIB, index, value) ? value : 0;
   });
 }
 
@@ -130,42 +131,49 @@ uint64_t Disk::GetUsedCapacity(int index) {
 }
 
 uint64_t Disk::GetAllTotalCapacity() {
-  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetTotalCapacity); });
+  return CallGuarded(uint64_t{0},
+                     [&] { return Sum(*this, list_, count_, &Disk::GetTotalCapacity); });
 }
 
 uint64_t Disk::GetAllTotalVendorCapcity() {
-  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetTotalVendorCapacity); });
+  return CallGuarded(uint64_t{0},
+                     [&] { return Sum(*this, list_, count_, &Disk::GetTotalVendorCapacity); });
 }
 
 uint64_t Disk::GetAllRemainCapacity() {
-  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetRemainCapacity); });
+  return CallGuarded(uint64_t{0},
+                     [&] { return Sum(*this, list_, count_, &Disk::GetRemainCapacity); });
 }
 
 uint64_t Disk::GetAllUsedCapacity() {
-  return CallGuarded(uint64_t{0}, [&] { return Sum(&Disk::GetUsedCapacity); });
+  return CallGuarded(uint64_t{0},
+                     [&] { return Sum(*this, list_, count_, &Disk::GetUsedCapacity); });
 }
 
 std::wstring Disk::GetCaption(int index) {
-  return CallGuarded(std::wstring{}, [&] { return Text(HAL_DISK_INFO_CAPTION, index); });
+  return CallGuarded(std::wstring{},
+                     [&] { return Text(list_, count_, HAL_DISK_INFO_CAPTION, index); });
 }
 
 std::wstring Disk::GetFirmwareRevision(int index) {
-  return CallGuarded(std::wstring{}, [&] { return Text(HAL_DISK_INFO_FIRMWARE_REVISION, index); });
+  return CallGuarded(std::wstring{},
+                     [&] { return Text(list_, count_, HAL_DISK_INFO_FIRMWARE_REVISION, index); });
 }
 
 std::wstring Disk::GetSerialNumber(int index) {
-  return CallGuarded(std::wstring{}, [&] { return Text(HAL_DISK_INFO_SERIAL_NUMBER, index); });
+  return CallGuarded(std::wstring{},
+                     [&] { return Text(list_, count_, HAL_DISK_INFO_SERIAL_NUMBER, index); });
 }
 
 std::wstring Disk::GetMediaType(int index) {
   return CallGuarded(std::wstring{}, [&]() -> std::wstring {
     uint64_t media = kMediaUnspecified;
-    if (Number(HAL_DISK_INFO_STORAGE_MEDIA_TYPE, index, media)) {
+    if (Number(list_, count_, HAL_DISK_INFO_STORAGE_MEDIA_TYPE, index, media)) {
       if (media == kMediaSsd) return L"SSD";
       if (media == kMediaHdd) return L"HDD";
       if (media == kMediaScm) return L"SCM";
     }
-    return Text(HAL_DISK_INFO_MEDIA_TYPE_TEXT, index);
+    return Text(list_, count_, HAL_DISK_INFO_MEDIA_TYPE_TEXT, index);
   });
 }
 
@@ -174,12 +182,12 @@ bool Disk::JudgeSSd(int index, bool& isSsd) {
   return CallGuarded(false, [&] {
     uint64_t value = 0;
     // The media type is the better witness: some hard disks (SMR drives) support TRIM too.
-    if (Number(HAL_DISK_INFO_STORAGE_MEDIA_TYPE, index, value) &&
+    if (Number(list_, count_, HAL_DISK_INFO_STORAGE_MEDIA_TYPE, index, value) &&
         (value == kMediaSsd || value == kMediaHdd)) {
       isSsd = value == kMediaSsd;
       return true;
     }
-    if (Number(HAL_DISK_INFO_TRIM_ENABLED, index, value)) {
+    if (Number(list_, count_, HAL_DISK_INFO_TRIM_ENABLED, index, value)) {
       isSsd = value == 1;
       return true;
     }

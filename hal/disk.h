@@ -41,11 +41,6 @@ class VELHAL_API Disk {
   bool GetSystemDiskIndex(uint32_t& index);
 
  private:
-  bool EnsureList();
-  bool Number(uint32_t infoClass, int index, uint64_t& value);
-  std::wstring Text(uint32_t infoClass, int index);
-  uint64_t Sum(uint64_t (Disk::*perDisk)(int));
-
-  HalDeviceList* list_;
+  HalDeviceList* list_;  // class 5's list, opened by the first member that needs it
   int32_t count_;
 };

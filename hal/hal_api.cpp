@@ -1,6 +1,8 @@
 // The eight flat entry points: route by device class, never let an exception out.
 #include "hal/hal_api.h"
 
+#include <cstdlib>
+
 #include "hal/class_dispatch.h"
 #include "platform/boundary.h"
 #include "platform/wmi_engine.h"
@@ -23,6 +25,10 @@ uint32_t Route(HalDeviceClass device_class, Operation ClassModule::*operation,
 }
 
 }  // namespace
+
+uint32_t HalGetVersion() { return VELHAL_VERSION; }
+
+void HalFreeBlock(void* block) { std::free(block); }
 
 uint32_t HalBeginBatch() {
   return velhal::CallGuarded(0u, [] {

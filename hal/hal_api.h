@@ -1,12 +1,15 @@
 /*
  * VelHal flat device-class interface.
  *
- * Compiles as C and as C++, needs no Windows header, and uses fixed-width types only.
- * Every function returns 1 (or, where documented, the non-zero result of the operating
- * system call) on success and 0 on failure; none of them throws or sets a last error.
+ * Compiles as C (C99 and later, clean under -pedantic) and as C++, needs no Windows header,
+ * and uses fixed-width types only. Every function returns 1 (or, where documented, the non-zero
+ * result of the operating system call) on success and 0 on failure; none of them throws or
+ * sets a last error. Hosts that bind the functions by name (GetProcAddress) find a pointer type
+ * for each below: PFN_ and the function's name.
  *
- * Blocks handed out by HalInit are allocated with malloc; the caller releases them with
- * free from the same C runtime (msvcrt). The library never frees a block it handed out.
+ * Blocks handed out by HalInit, MmInit and GpInit are allocated with msvcrt's malloc; the
+ * caller releases them with free from that C runtime, or, whatever its own runtime, with
+ * HalFreeBlock. The library never frees a block it handed out.
  */
 #ifndef VELHAL_HAL_API_H_
 #define VELHAL_HAL_API_H_
@@ -18,12 +21,25 @@
 #endif
 
 #include "velhal_export.h"
+#include "velhal_version.h"
 
-#ifdef __cplusplus
+/* Layout checks where the language has them (C11, C++); C99 compiles without them. */
+#if defined(__cplusplus)
 #define HAL_STATIC_ASSERT(cond, msg) static_assert(cond, msg)
-#else
+#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
 #define HAL_STATIC_ASSERT(cond, msg) _Static_assert(cond, msg)
+#else
+#define HAL_STATIC_ASSERT(cond, msg) struct hal_static_assert_c99
 #endif
+
+/*
+ * The library's version: the macros say which header a host was built with, HalGetVersion
+ * which DLL it runs with, as (major << 16) | (minor << 8) | patch.
+ */
+VELHAL_C_API uint32_t HalGetVersion(void);
+
+/* Frees a block that HalInit, MmInit or GpInit handed out (null is accepted). */
+VELHAL_C_API void HalFreeBlock(void* block);
 
 /* Device-class numbers; every other value makes each entry point return 0. */
 typedef uint32_t HalDeviceClass;
@@ -316,5 +332,45 @@ VELHAL_C_API uint32_t GpSetInformation(GpAdapterList* block, uint32_t infoClass,
  * result is one byte: C's bool (_Bool) and C++'s bool alike, 1 for true and 0 for false.
  */
 VELHAL_C_API bool IsTypeDetachablePC(void);
+
+/* Pointer types for hosts that bind the functions by name. */
+typedef uint32_t (*PFN_HalGetVersion)(void);
+typedef void (*PFN_HalFreeBlock)(void* block);
+typedef uint32_t (*PFN_HalBeginBatch)(void);
+typedef uint32_t (*PFN_HalEndBatch)(void);
+typedef uint32_t (*PFN_HalInit)(HalDeviceClass deviceClass, void* list);
+typedef uint32_t (*PFN_HalOpenDevice)(HalDeviceClass deviceClass, HalDeviceEntry* entry);
+typedef uint32_t (*PFN_HalCloseDevice)(HalDeviceClass deviceClass, HalDeviceEntry* entry);
+typedef uint32_t (*PFN_HalRead)(HalDeviceClass deviceClass, HalDeviceEntry* entry, int64_t* offset,
+                                void* buffer, uint32_t length, uint32_t* bytesRead);
+typedef uint32_t (*PFN_HalWrite)(HalDeviceClass deviceClass, HalDeviceEntry* entry,
+                                 int64_t* offset, const void* buffer, uint32_t length,
+                                 uint32_t* bytesWritten);
+typedef uint32_t (*PFN_HalQueryInformation)(HalDeviceClass deviceClass, void* entry,
+                                            uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                            uint32_t* returnedSize);
+typedef uint32_t (*PFN_HalSetInformation)(HalDeviceClass deviceClass, void* entry,
+                                          uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                          uint32_t* returnedSize);
+typedef uint32_t (*PFN_HalSetCallback)(HalDeviceClass deviceClass, uint32_t endpoint,
+                                       struct IAudioEndpointVolumeCallback* callback,
+                                       void* context);
+typedef uint32_t (*PFN_CpuInit)(void);
+typedef uint32_t (*PFN_CpuQueryInformation)(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                            uint32_t* returnedSize);
+typedef uint32_t (*PFN_BtInit)(void);
+typedef uint32_t (*PFN_BtQueryInformation)(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                           uint32_t* returnedSize);
+typedef uint32_t (*PFN_BtSetInformation)(uint32_t infoClass, void* buffer, uint32_t bufferSize,
+                                         uint32_t* returnedSize);
+typedef uint32_t (*PFN_MmInit)(void* list);
+typedef uint32_t (*PFN_MmQueryInformation)(HalDeviceEntry* entry, uint32_t infoClass, void* buffer,
+                                           uint32_t bufferSize, uint32_t* returnedSize);
+typedef uint32_t (*PFN_GpInit)(GpAdapterList** list);
+typedef uint32_t (*PFN_GpQueryInforamtion)(GpAdapterList* block, uint32_t infoClass, void* buffer,
+                                           uint32_t bufferSize, uint32_t* returnedSize);
+typedef uint32_t (*PFN_GpSetInformation)(GpAdapterList* block, uint32_t infoClass, void* buffer,
+                                         uint32_t bufferSize, uint32_t* returnedSize);
+typedef bool (*PFN_IsTypeDetachablePC)(void);
 
 #endif /* VELHAL_HAL_API_H_ */

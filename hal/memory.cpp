@@ -12,33 +12,38 @@
 
 using velhal::CallGuarded;
 
-Memory::Memory() : list_(nullptr) {}
+namespace {
 
-Memory::~Memory() { std::free(list_); }
-
-bool Memory::Open() {
-  if (list_ != nullptr) return true;
-  HalDeviceList* list = nullptr;
-  if (!HalInit(HAL_CLASS_MEMORY, &list) || list == nullptr) return false;
-  list_ = list;
+// The object's class-11 list, opened on first use.
+bool Open(HalDeviceList*& list) {
+  if (list != nullptr) return true;
+  HalDeviceList* opened = nullptr;
+  if (!HalInit(HAL_CLASS_MEMORY, &opened) || opened == nullptr) return false;
+  list = opened;
   return true;
 }
 
 // An entry for a module index within the opened list.
-bool Memory::EntryFor(int index, HalDeviceEntry& entry) {
-  if (!Open() || index < 0 || static_cast<uint32_t>(index) >= list_->count) return false;
+bool EntryFor(HalDeviceList*& list, int index, HalDeviceEntry& entry) {
+  if (!Open(list) || index < 0 || static_cast<uint32_t>(index) >= list->count) return false;
   entry = HalDeviceEntry{nullptr, static_cast<uint32_t>(index), 0};
   return true;
 }
 
+}  // namespace
+
+Memory::Memory() : list_(nullptr) {}
+
+Memory::~Memory() { std::free(list_); }
+
 int Memory::Init() {
-  return CallGuarded(0, [&] { return Open() ? 1 : 0; });
+  return CallGuarded(0, [&] { return Open(list_) ? 1 : 0; });
 }
 
 int Memory::GetMemoryNums(uint32_t& count) {
   count = 0;
   return CallGuarded(0, [&] {
-    if (!Open()) return 0;
+    if (!Open(list_)) return 0;
     uint32_t returned = 0;
     return MmQueryInformation(nullptr, HAL_MEMORY_INFO_COUNT, &count, sizeof(count), &returned) ? 1
                                                                                                 : 0;
@@ -63,7 +68,7 @@ int Memory::GetStringInfoByIndex(std::wstring& text, int index, unsigned long in
   text.clear();
   return CallGuarded(0, [&] {
     HalDeviceEntry entry{};
-    if (!EntryFor(index, entry)) return 0;
+    if (!EntryFor(list_, index, entry)) return 0;
     std::array<char, 260> buffer{};
     uint32_t returned = 0;
     if (!MmQueryInformation(&entry, infoClass, buffer.data(), static_cast<uint32_t>(buffer.size()),
@@ -92,7 +97,7 @@ int Memory::GetUintInfoByIndex(uint64_t& value, int index, unsigned long infoCla
   value = 0;
   return CallGuarded(0, [&] {
     HalDeviceEntry entry{};
-    if (!EntryFor(index, entry)) return 0;
+    if (!EntryFor(list_, index, entry)) return 0;
     std::array<unsigned char, 8> buffer{};
     uint32_t returned = 0;
     if (!MmQueryInformation(&entry, infoClass, buffer.data(), 8, &returned)) return 0;
@@ -118,7 +123,7 @@ static_assert(sizeof(MEMORYSTATUSEX) == 64);
 
 unsigned long Memory::GetMemoryLoad() {
   return CallGuarded(0ul, [&]() -> unsigned long {
-    Open();
+    Open(list_);
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);
     return velhal::os::system_info().GlobalMemoryStatusEx(&status) ? status.dwMemoryLoad : 0;
@@ -127,7 +132,7 @@ unsigned long Memory::GetMemoryLoad() {
 
 float Memory::GetMemoryLoadF() {
   return CallGuarded(0.0f, [&]() -> float {
-    Open();
+    Open(list_);
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);
     if (!velhal::os::system_info().GlobalMemoryStatusEx(&status) || status.ullTotalPhys <= 10000) {

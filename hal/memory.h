@@ -33,8 +33,5 @@ class VELHAL_API Memory {
   float GetMemoryLoadF();         // fraction in use, to 1/10000; 0.0 when unknown
 
  private:
-  bool Open();
-  bool EntryFor(int index, HalDeviceEntry& entry);
-
-  HalDeviceList* list_;
+  HalDeviceList* list_;  // class 11's list, opened by the first member that needs it
 };

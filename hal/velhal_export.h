@@ -1,4 +1,11 @@
-/* Export markers of VelHal.dll. Compiles as C and as C++. */
+/*
+ * Export markers of VelHal.dll. Compiles as C and as C++.
+ *
+ * A class marked VELHAL_API exports every member it declares, private ones too, so an exported
+ * class declares its public surface and its data only: its helpers are functions in its .cpp
+ * (or members of a nested struct defined there), and a private constructor is defaulted in the
+ * class. tests/data/velhal_exports.txt lists what the DLL exports.
+ */
 #ifndef VELHAL_EXPORT_H_
 #define VELHAL_EXPORT_H_
 

@@ -9,6 +9,7 @@
 
 #include "platform/boundary.h"
 #include "platform/device_property_keys.h"
+#include "platform/device_property_read.h"
 #include "platform/os/device_database.h"
 
 namespace {
@@ -91,35 +92,6 @@ std::optional<SP_DEVINFO_DATA> FindDevice(HDEVINFO set, const std::wstring& key,
   return found;
 }
 
-// A property of unknown length: asks for the size, then reads exactly that many bytes.
-struct PropertyValue {
-  DEVPROPTYPE type = DEVPROP_TYPE_EMPTY;
-  DWORD size = 0;
-  std::vector<wchar_t> units;  // size / 2 + 1 units, zeroed: string data always ends
-};
-
-std::optional<PropertyValue> ReadWhole(HDEVINFO set, SP_DEVINFO_DATA& device,
-                                       const DEVPROPKEY& key) {
-  PropertyValue value;
-  DWORD required = 0;
-  if (device_database().SetupDiGetDevicePropertyW(set, &device, &key, &value.type, nullptr, 0,
-                                                  &required, kNoFlags) ||
-      ::GetLastError() != ERROR_INSUFFICIENT_BUFFER || required == 0) {
-    return std::nullopt;
-  }
-  value.units.assign(required / sizeof(wchar_t) + 1, L'\0');
-  if (!device_database().SetupDiGetDevicePropertyW(set, &device, &key, &value.type,
-                                                   reinterpret_cast<BYTE*>(value.units.data()),
-                                                   required, &value.size, kNoFlags)) {
-    return std::nullopt;
-  }
-  return value;
-}
-
-bool IsString(DEVPROPTYPE type) {
-  return type == DEVPROP_TYPE_STRING || type == DEVPROP_TYPE_STRING_LIST;
-}
-
 const GUID* GuidOrNull(const GUID& guid, bool omit) { return omit ? nullptr : &guid; }
 
 std::wstring StringProperty(const std::wstring& key, Match mode, const GUID* class_guid,
@@ -130,8 +102,9 @@ std::wstring StringProperty(const std::wstring& key, Match mode, const GUID* cla
   if (!set.IsValid()) return {};
   std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), key, mode);
   if (!device) return {};
-  const std::optional<PropertyValue> value = ReadWhole(set.Get(), *device, *wanted);
-  if (!value || !IsString(value->type)) return {};
+  const std::optional<velhal::DevicePropertyValue> value =
+      velhal::ReadDeviceProperty(set.Get(), *device, *wanted);
+  if (!value || !velhal::IsStringProperty(value->type)) return {};
   return std::wstring(value->units.data());
 }
 
@@ -143,7 +116,8 @@ uint32_t NumberProperty(const std::wstring& key, Match mode, const GUID* class_g
   if (!set.IsValid()) return 0;
   std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), key, mode);
   if (!device) return 0;
-  const std::optional<PropertyValue> value = ReadWhole(set.Get(), *device, *wanted);
+  const std::optional<velhal::DevicePropertyValue> value =
+      velhal::ReadDeviceProperty(set.Get(), *device, *wanted);
   if (!value || value->type != DEVPROP_TYPE_UINT32 || value->size < sizeof(uint32_t)) return 0;
   uint32_t number = 0;
   std::memcpy(&number, value->units.data(), sizeof(number));
@@ -283,8 +257,10 @@ void DeviceInformention::GetDevicePropertyByhardId(GUID classGuid, const std::ws
     if (!set.IsValid()) return false;
     std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), hardwareId, Match::kHardwareId);
     if (!device) return false;
-    const std::optional<PropertyValue> value = ReadWhole(set.Get(), *device, *wanted);
-    if (!value || !IsString(value->type) || value->size < sizeof(wchar_t)) return false;
+    const std::optional<velhal::DevicePropertyValue> value =
+        velhal::ReadDeviceProperty(set.Get(), *device, *wanted);
+    if (!value || !velhal::IsStringProperty(value->type) || value->size < sizeof(wchar_t))
+      return false;
     const size_t end = value->size / sizeof(wchar_t);
     for (size_t at = 0; at < end;) {
       const wchar_t* text = &value->units[at];

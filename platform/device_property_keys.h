@@ -1,4 +1,4 @@
-// The unified property keys behind EnumDeviceProperty, and the three keys read directly.
+// The unified property keys behind EnumDeviceProperty, and the keys read directly.
 // A constant table: nothing is built at start-up.
 #pragma once
 
@@ -24,6 +24,7 @@ inline constexpr DEVPROPKEY kHardwareIds{kDeviceSet, 3};
 inline constexpr DEVPROPKEY kClass{kDeviceSet, 9};
 inline constexpr DEVPROPKEY kParent{kNodeSet, 8};
 inline constexpr DEVPROPKEY kFirstInstallDate{kInstallSet, 101};
+inline constexpr DEVPROPKEY kDriverDate{kDriverSet, 2};  // DEVPROP_TYPE_FILETIME
 
 // Indexed by EnumDeviceProperty.
 inline constexpr std::array<DEVPROPKEY, 16> kByProperty{{

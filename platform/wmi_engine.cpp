@@ -3,6 +3,7 @@
 #include <oleauto.h>
 #include <wbemcli.h>
 
+#include <atomic>
 #include <cwchar>
 #include <cwctype>
 #include <mutex>
@@ -37,24 +38,7 @@ std::timed_mutex& GateMutex() {
   return mutex;
 }
 
-// One thread's turn at WMI where the platform needs queries serialized; elsewhere always given.
-class Turn {
- public:
-  Turn() : held_(SerializesQueries() && GateMutex().try_lock_for(kQueryTimeout)) {
-    granted_ = held_ || !SerializesQueries();
-  }
-  ~Turn() {
-    if (held_) GateMutex().unlock();
-  }
-  Turn(const Turn&) = delete;
-  Turn& operator=(const Turn&) = delete;
-
-  bool granted() const noexcept { return granted_; }
-
- private:
-  bool held_;
-  bool granted_;
-};
+std::atomic<std::chrono::milliseconds::rep> g_query_timeout_ms{kQueryTimeout.count()};
 
 thread_local SessionScope::State* t_session = nullptr;
 thread_local SessionScope::State* t_batch = nullptr;  // owned by the batch, deleted at its end
@@ -81,7 +65,7 @@ std::wstring WholeObjects(const std::wstring& wql) {
 HRESULT Fetch(IEnumWbemClassObject* rows, bool first_only,
               std::vector<ComPtr<IWbemClassObject>>& objects) {
   using Clock = std::chrono::steady_clock;
-  const Clock::time_point deadline = Clock::now() + kQueryTimeout;
+  const Clock::time_point deadline = Clock::now() + QueryTimeout();
   for (;;) {
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -132,8 +116,10 @@ struct SessionScope::State {
   State() = default;
   State(const State&) = delete;
   State& operator=(const State&) = delete;
-  // The COM pointers go back under the platform's turn too, as any other WMI call.
+  // The COM pointers go back under the platform's turn too, as any other WMI call; a session
+  // that never reached WMI has none and does not wait for a turn.
   ~State() {
+    if (!locator) return;
     const Turn turn;
     snapshots.clear();
     connections.clear();
@@ -234,6 +220,25 @@ bool EndBatch() {
   if (t_session == t_batch) t_session = nullptr;
   delete std::exchange(t_batch, nullptr);
   return true;
+}
+
+std::chrono::milliseconds QueryTimeout() {
+  return std::chrono::milliseconds(g_query_timeout_ms.load());
+}
+
+ScopedQueryTimeoutForTesting::ScopedQueryTimeoutForTesting(std::chrono::milliseconds bound)
+    : previous_(g_query_timeout_ms.exchange(bound.count())) {}
+
+ScopedQueryTimeoutForTesting::~ScopedQueryTimeoutForTesting() {
+  g_query_timeout_ms.store(previous_.count());
+}
+
+Turn::Turn() : held_(SerializesQueries() && GateMutex().try_lock_for(QueryTimeout())) {
+  granted_ = held_ || !SerializesQueries();
+}
+
+Turn::~Turn() {
+  if (held_) GateMutex().unlock();
 }
 
 bool SerializesQueries() {

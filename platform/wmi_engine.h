@@ -17,7 +17,8 @@
 //
 // Bounds: each query waits at most kQueryTimeout for its rows. Where the platform's WMI is not
 // safe for concurrent use (Wine's corrupts its heap when two threads query at once), queries
-// are serialized process-wide, and a thread waits for its turn no longer than kQueryTimeout.
+// are serialized process-wide, and a thread waits for its turn no longer than kQueryTimeout;
+// code that calls WMI itself (the touch screen's switch) takes the same Turn.
 #pragma once
 
 #include <chrono>
@@ -32,6 +33,40 @@ namespace velhal::wmi {
 // machines (a rebuilding repository, a hung provider); a host's UI thread waits no longer than
 // this, and the query fails with WBEM_E_TIMED_OUT.
 inline constexpr std::chrono::milliseconds kQueryTimeout{10'000};
+
+// The bound in force: kQueryTimeout, unless a test has shortened it.
+std::chrono::milliseconds QueryTimeout();
+
+// Shortens the bound while it lives, so that a test of a stalled WMI waits milliseconds.
+class ScopedQueryTimeoutForTesting {
+ public:
+  explicit ScopedQueryTimeoutForTesting(std::chrono::milliseconds bound);
+  ~ScopedQueryTimeoutForTesting();
+  ScopedQueryTimeoutForTesting(const ScopedQueryTimeoutForTesting&) = delete;
+  ScopedQueryTimeoutForTesting& operator=(const ScopedQueryTimeoutForTesting&) = delete;
+
+ private:
+  std::chrono::milliseconds previous_;
+};
+
+// Whether queries are serialized process-wide on this platform (decided once, on first use).
+bool SerializesQueries();
+
+// One thread's turn at WMI where the platform needs queries serialized (always granted
+// elsewhere): waits for it no longer than the query bound. Not granted means the wait ran out.
+class Turn {
+ public:
+  Turn();
+  ~Turn();
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+  bool granted() const noexcept { return granted_; }
+
+ private:
+  bool held_;
+  bool granted_;
+};
 
 class SessionScope {
  public:
@@ -50,9 +85,6 @@ class SessionScope {
 // the outermost, releases everything. EndBatch without a batch returns false.
 void BeginBatch();
 bool EndBatch();
-
-// Whether queries are serialized process-wide on this platform (decided once, on first use).
-bool SerializesQueries();
 
 HRESULT RunQuery(const std::wstring& name_space, const std::wstring& wql,
                  const std::wstring& property, bool first_only,

@@ -13,50 +13,44 @@ namespace {
 
 constexpr int kNoValue = -15;  // the query ran but produced no value
 
+// One value appended in the form of the caller's vector.
+void Append(VARIANT& value, std::vector<std::wstring>& values) {
+  velhal::wmi::AppendText(value, values);
+}
+void Append(VARIANT& value, std::vector<unsigned int>& values) {
+  velhal::wmi::AppendUInt32(value, values);
+}
+void Append(VARIANT& value, std::vector<unsigned char>& values) {
+  velhal::wmi::AppendBytes(value, values);
+}
+
 }  // namespace
 
 WmiQuery::WmiQuery(const std::wstring& nameSpace) : nameSpace_(nameSpace) {}
 
 WmiQuery::~WmiQuery() = default;
 
-int WmiQuery::ExcuteQueryImpl(const std::wstring& query, const std::wstring& property, bool flag,
-                              const std::function<void(tagVARIANT&)>& onValue) const {
-  return static_cast<int>(velhal::os::wmi().ExecQuery(nameSpace_, query, property, flag, onValue));
-}
-
-void WmiQuery::GetResult(tagVARIANT& value, std::vector<std::wstring>& values) {
-  velhal::wmi::AppendText(value, values);
-}
-
-void WmiQuery::GetResult(tagVARIANT& value, std::vector<unsigned int>& values) {
-  velhal::wmi::AppendUInt32(value, values);
-}
-
-void WmiQuery::GetResult(tagVARIANT& value, std::vector<unsigned char>& values) {
-  velhal::wmi::AppendBytes(value, values);
-}
-
 template <class T>
 int WmiQuery::ExcuteQuery(const std::wstring& query, const std::wstring& property,
                           std::vector<T>& values, bool flag) {
   return velhal::CallGuarded(static_cast<int>(E_OUTOFMEMORY), [&] {
     values.clear();
-    const int result = ExcuteQueryImpl(query, property, flag,
-                                       [&values](tagVARIANT& value) { GetResult(value, values); });
+    const int result = static_cast<int>(velhal::os::wmi().ExecQuery(
+        nameSpace_, query, property, flag, [&values](VARIANT& value) { Append(value, values); }));
     if (result != 0) return result;  // what was appended before the failure stays
     return values.empty() ? kNoValue : 0;
   });
 }
 
 template VELHAL_API int WmiQuery::ExcuteQuery<std::wstring>(const std::wstring&,
-                                                             const std::wstring&,
-                                                             std::vector<std::wstring>&, bool);
+                                                            const std::wstring&,
+                                                            std::vector<std::wstring>&, bool);
 template VELHAL_API int WmiQuery::ExcuteQuery<unsigned int>(const std::wstring&,
-                                                             const std::wstring&,
-                                                             std::vector<unsigned int>&, bool);
+                                                            const std::wstring&,
+                                                            std::vector<unsigned int>&, bool);
 template VELHAL_API int WmiQuery::ExcuteQuery<unsigned char>(const std::wstring&,
-                                                              const std::wstring&,
-                                                              std::vector<unsigned char>&, bool);
+                                                             const std::wstring&,
+                                                             std::vector<unsigned char>&, bool);
 
 }  // namespace VelSDK
 

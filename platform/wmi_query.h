@@ -7,13 +7,10 @@
 // pass false.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "hal/velhal_export.h"
-
-struct tagVARIANT;  // VARIANT, without pulling <windows.h> into hosts
 
 // The first value of a text property, or 0 with out unchanged.
 VELHAL_API int WmiQueryFirstString(const std::wstring& nameSpace, const std::wstring& query,
@@ -34,13 +31,6 @@ class VELHAL_API WmiQuery {
                   bool flag);
 
  private:
-
-  int ExcuteQueryImpl(const std::wstring& query, const std::wstring& property, bool flag,
-                      const std::function<void(tagVARIANT&)>& onValue) const;
-  static void GetResult(tagVARIANT& value, std::vector<std::wstring>& values);
-  static void GetResult(tagVARIANT& value, std::vector<unsigned int>& values);
-  static void GetResult(tagVARIANT& value, std::vector<unsigned char>& values);
-
   std::wstring nameSpace_;
 };
 

@@ -7,6 +7,7 @@ packages=(
   g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64     # Windows x64 cross compiler
   wine wine64 xvfb xauth                                   # running and testing under Wine
   googletest libcli11-dev nlohmann-json3-dev               # tests and halinfo
+  python3-jsonschema                                       # halinfo's JSON against its schema
   clang libclang-rt-14-dev libstdc++-12-dev libc6-dev      # native core, sanitizers, libFuzzer
 )
 

@@ -1,5 +1,8 @@
-// The real backend: each member forwards to the Win32 function of the same name.
+// The real backend: each member forwards to the Win32 function of the same name; the DPI
+// functions newer than Windows 7 are looked up by name on first use.
 #include "platform/os/display.h"
+
+#include "platform/os/run_time_binding.h"
 
 namespace velhal::os {
 namespace {
@@ -31,6 +34,24 @@ class RealDisplay final : public Display {
   }
   BOOL GetMonitorInfoW(HMONITOR monitor, MONITORINFO* info) override {
     return ::GetMonitorInfoW(monitor, info);
+  }
+  HDC GetDC(HWND window) override { return ::GetDC(window); }
+  int ReleaseDC(HWND window, HDC dc) override { return ::ReleaseDC(window, dc); }
+  int GetDeviceCaps(HDC dc, int index) override { return ::GetDeviceCaps(dc, index); }
+  UINT GetDpiForSystem() override {
+    static const Bound<UINT WINAPI()> call(L"user32.dll", "GetDpiForSystem");
+    return call.CallOr(0u);
+  }
+  HRESULT GetDpiForMonitor(HMONITOR monitor, MONITOR_DPI_TYPE type, UINT* dpi_x,
+                           UINT* dpi_y) override {
+    static const Bound<HRESULT WINAPI(HMONITOR, MONITOR_DPI_TYPE, UINT*, UINT*)> call(
+        L"shcore.dll", "GetDpiForMonitor");
+    return call.CallOr(HRESULT_FROM_WIN32(call.MissingError()), monitor, type, dpi_x, dpi_y);
+  }
+  DPI_AWARENESS_CONTEXT SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT context) override {
+    static const Bound<DPI_AWARENESS_CONTEXT WINAPI(DPI_AWARENESS_CONTEXT)> call(
+        L"user32.dll", "SetThreadDpiAwarenessContext");
+    return call.CallOr(DPI_AWARENESS_CONTEXT{}, context);
   }
 };
 

@@ -3,6 +3,8 @@
 // them only as process-ending stubs (Wine) meets a failed call instead.
 #include "platform/os/power.h"
 
+#include "platform/os/run_time_binding.h"
+
 namespace velhal::os {
 namespace {
 
@@ -53,6 +55,11 @@ class RealPower final : public Power {
   LONG CallNtPowerInformation(POWER_INFORMATION_LEVEL level, void* in, ULONG in_size, void* out,
                               ULONG out_size) override {
     return ::CallNtPowerInformation(level, in, in_size, out, out_size);
+  }
+  POWER_PLATFORM_ROLE PowerDeterminePlatformRoleEx(ULONG version) override {
+    static const Bound<POWER_PLATFORM_ROLE WINAPI(ULONG)> call(L"powrprof.dll",
+                                                               "PowerDeterminePlatformRoleEx");
+    return call.CallOr(PlatformRoleUnspecified, version);
   }
   DWORD PowerGetActiveScheme(HKEY root, GUID** scheme) override {
     return CallBound(Scheme().get_active, root, scheme);

@@ -1,5 +1,7 @@
-// Power facility: the power-management readings of the system (power status, battery state)
-// and the active power scheme's settings, whose scheme GUID is freed with LocalFree.
+// Power facility: the power-management readings of the system (power status, battery state,
+// the platform's role) and the active power scheme's settings, whose scheme GUID is freed with
+// LocalFree. PowerDeterminePlatformRoleEx (Windows 8) is bound at run time: without it the role
+// is PlatformRoleUnspecified.
 #pragma once
 
 #include "platform/win32.h"
@@ -17,6 +19,7 @@ class Power {
   virtual BOOL GetSystemPowerStatus(SYSTEM_POWER_STATUS* status) = 0;
   virtual LONG CallNtPowerInformation(POWER_INFORMATION_LEVEL level, void* in, ULONG in_size,
                                       void* out, ULONG out_size) = 0;
+  virtual POWER_PLATFORM_ROLE PowerDeterminePlatformRoleEx(ULONG version) = 0;
 
   // The scheme calls return a Win32 error code. Where the system lacks one (Wine 8 has none of
   // the value reads and writes, and a static import of them would end the process), the call

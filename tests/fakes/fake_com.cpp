@@ -127,7 +127,15 @@ class FakeEnumerator final : public FakeObject<IEnumWbemClassObject> {
       *returned = 1;
       return WBEM_S_NO_ERROR;
     }
-    return query_.stall_after_rows ? WBEM_S_TIMEDOUT : WBEM_S_FALSE;
+    if (!query_.stall_after_rows) return WBEM_S_FALSE;
+    // WBEM_INFINITE (-1 as a LONG) would hang the test: noted instead of waited for.
+    if (timeout < 0) {
+      com_.violations.push_back("IEnumWbemClassObject::Next waits forever");
+      return WBEM_S_TIMEDOUT;
+    }
+    ++com_.stalls;
+    ::Sleep(static_cast<DWORD>(timeout));
+    return WBEM_S_TIMEDOUT;
   }
   HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE NextAsync(ULONG, IWbemObjectSink*) override { return E_NOTIMPL; }

@@ -11,6 +11,7 @@
 
 #include <wbemcli.h>
 
+#include <atomic>
 #include <map>
 #include <string>
 #include <vector>
@@ -28,7 +29,8 @@ class FakeCom final : public os::Com {
   struct Query {
     HRESULT exec_result = S_OK;
     std::vector<Row> rows;
-    bool stall_after_rows = false;  // Next times out instead of ending
+    // After the rows, Next never answers: it waits out the timeout it was given and says so.
+    bool stall_after_rows = false;
   };
 
   // A thread given an apartment got it from the host, whose initialisation is never undone.
@@ -65,6 +67,7 @@ class FakeCom final : public os::Com {
   std::vector<LONG> exec_flags;
   std::vector<std::wstring> languages;
   std::vector<LONG> next_timeouts;
+  std::atomic<int> stalls{0};  // Next calls now waiting out their timeout, or done so
   std::vector<LONG> instance_enum_flags;
   std::vector<LONG> put_instance_flags;
   struct Put {

@@ -1,6 +1,7 @@
 #include "tests/fakes/fake_display.h"
 
 #include <cwchar>
+#include <utility>
 
 #include "tests/fakes/fake_common.h"
 
@@ -147,6 +148,59 @@ BOOL FakeDisplay::GetMonitorInfoW(HMONITOR monitor, MONITORINFO* info) {
   if (info->cbSize == sizeof(MONITORINFOEXW))
     CopyText(reinterpret_cast<MONITORINFOEXW*>(info)->szDevice, desktop[index].device);
   return TRUE;
+}
+
+namespace {
+
+const HDC kScreenDc = reinterpret_cast<HDC>(0x0DC0);
+
+}  // namespace
+
+HDC FakeDisplay::GetDC(HWND) {
+  ++open_dcs;
+  return kScreenDc;
+}
+
+int FakeDisplay::ReleaseDC(HWND, HDC dc) {
+  if (dc != kScreenDc || open_dcs == 0) return 0;
+  --open_dcs;
+  return 1;
+}
+
+int FakeDisplay::GetDeviceCaps(HDC dc, int index) {
+  if (dc != kScreenDc || index != LOGPIXELSX) return 0;
+  return static_cast<int>(Seen(static_cast<UINT>(screen_dpi)));
+}
+
+UINT FakeDisplay::GetDpiForSystem() {
+  if (system_dpi_missing) {
+    ::SetLastError(ERROR_PROC_NOT_FOUND);
+    return 0;
+  }
+  return Seen(system_dpi);
+}
+
+HRESULT FakeDisplay::GetDpiForMonitor(HMONITOR monitor, MONITOR_DPI_TYPE type, UINT* x, UINT* y) {
+  if (monitor_dpi_missing) return HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND);
+  const size_t index = reinterpret_cast<size_t>(monitor) - 1;
+  if (index >= desktop.size() || type != MDT_EFFECTIVE_DPI) return E_INVALIDARG;
+  if (FAILED(desktop[index].dpi_result)) return desktop[index].dpi_result;
+  *x = *y = Seen(desktop[index].dpi);
+  return S_OK;
+}
+
+DPI_AWARENESS_CONTEXT FakeDisplay::SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT context) {
+  if (awareness_missing || (context == DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2 && v2_refused)) {
+    ::SetLastError(awareness_missing ? ERROR_PROC_NOT_FOUND : ERROR_INVALID_PARAMETER);
+    return nullptr;
+  }
+  return std::exchange(awareness, context);
+}
+
+UINT FakeDisplay::Seen(UINT dpi) const {
+  const bool per_monitor = awareness == DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE ||
+                           awareness == DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2;
+  return per_monitor ? dpi : 96;
 }
 
 }  // namespace velhal::testing

@@ -1,7 +1,10 @@
 // Screens as a test sets them: metrics, the current display mode, the active paths of the
 // display configuration with their modes and targets (a path's targetInfo.id indexes targets),
-// display adapters with their monitors, and the desktop's monitors. Calls that would overrun the
-// caller's structures fail as user32 does.
+// display adapters with their monitors, the desktop's monitors and their DPI. Calls that would
+// overrun the caller's structures fail as user32 does. As on Windows, a thread that is not
+// per-monitor aware sees every DPI as 96; a missing DPI function (an older Windows) answers as
+// the real backend does without it. Screen device contexts are counted, so a test sees one left
+// unreleased.
 #pragma once
 
 #include "platform/win32.h"
@@ -30,6 +33,8 @@ class FakeDisplay final : public os::Display {
   struct DesktopMonitor {
     std::wstring device;  // the adapter's name, as MONITORINFOEXW::szDevice
     bool primary = false;
+    UINT dpi = 96;
+    HRESULT dpi_result = S_OK;  // of GetDpiForMonitor
   };
 
   std::map<int, int> metrics;          // GetSystemMetrics; absent indexes answer 0
@@ -48,6 +53,14 @@ class FakeDisplay final : public os::Display {
   std::vector<Target> targets;
   std::vector<Adapter> adapters;
   std::vector<DesktopMonitor> desktop;
+  int screen_dpi = 96;  // LOGPIXELSX of the screen
+  UINT system_dpi = 96;
+  bool system_dpi_missing = false;   // no GetDpiForSystem (before Windows 10 1607)
+  bool monitor_dpi_missing = false;  // no GetDpiForMonitor (before Windows 8.1)
+  bool awareness_missing = false;    // no SetThreadDpiAwarenessContext (before Windows 10 1607)
+  bool v2_refused = false;           // PER_MONITOR_AWARE_V2 unknown (before 1703, Wine 8)
+  DPI_AWARENESS_CONTEXT awareness = DPI_AWARENESS_CONTEXT_UNAWARE;  // the thread's
+  int open_dcs = 0;
 
   static DEVMODEW Mode(DWORD width, DWORD height, DWORD bits, DWORD frequency);
   static DISPLAYCONFIG_PATH_INFO Path(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY technology,
@@ -68,6 +81,16 @@ class FakeDisplay final : public os::Display {
   BOOL EnumDisplayMonitors(HDC dc, const RECT* clip, MONITORENUMPROC callback,
                            LPARAM data) override;
   BOOL GetMonitorInfoW(HMONITOR monitor, MONITORINFO* info) override;
+  HDC GetDC(HWND window) override;
+  int ReleaseDC(HWND window, HDC dc) override;
+  int GetDeviceCaps(HDC dc, int index) override;
+  UINT GetDpiForSystem() override;
+  HRESULT GetDpiForMonitor(HMONITOR monitor, MONITOR_DPI_TYPE type, UINT* x, UINT* y) override;
+  DPI_AWARENESS_CONTEXT SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT context) override;
+
+ private:
+  // What the calling thread sees of a DPI: itself when per-monitor aware, else 96.
+  UINT Seen(UINT dpi) const;
 };
 
 }  // namespace velhal::testing

@@ -37,6 +37,7 @@ class FakePower final : public os::Power {
   std::vector<GUID> activated;
   int bad_frees = 0;
   size_t schemes_held() const { return handed_out_.size(); }
+  POWER_PLATFORM_ROLE role = PlatformRoleDesktop;  // PlatformRoleUnspecified: the call is missing
 
   FakePower() {
     status.ACLineStatus = 1;
@@ -66,6 +67,9 @@ class FakePower final : public os::Power {
     if (Fails(battery_failures)) return static_cast<LONG>(0xC0000001);  // STATUS_UNSUCCESSFUL
     std::memcpy(out, &battery, sizeof(battery));
     return 0;
+  }
+  POWER_PLATFORM_ROLE PowerDeterminePlatformRoleEx(ULONG version) override {
+    return version == POWER_PLATFORM_ROLE_V2 ? role : PlatformRoleUnspecified;
   }
 
   DWORD PowerGetActiveScheme(HKEY, GUID** out) override {

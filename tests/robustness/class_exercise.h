@@ -9,17 +9,23 @@
 #include <string>
 #include <vector>
 
+#include "components/audio_card.h"
 #include "components/baseboard.h"
+#include "components/biometric.h"
 #include "components/bios_fun.h"
 #include "components/bios_wmi.h"
+#include "components/bluetooth.h"
 #include "components/hot_interface.h"
+#include "components/keyboard.h"
 #include "components/monitor_device_interface.h"
 #include "components/touch_screen.h"
 #include "components/usb_device_interface.h"
 #include "components/video_card.h"
 #include "drivers/device_driver.h"
+#include "firmware/device_id.h"
 #include "firmware/hardware_config.h"
 #include "firmware/smbios_helper.h"
+#include "firmware/system_environment_info.h"
 #include "firmware/system_info.h"
 #include "hal/battery.h"
 #include "hal/cpu.h"
@@ -30,6 +36,7 @@
 #include "network/network_card.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
+#include "platform/file_process.h"
 #include "platform/read_reg.h"
 #include "platform/service_helpers.h"
 
@@ -212,6 +219,55 @@ void ExerciseLibrary(AfterEach&& after_each, bool graphics = true) {
     board.GetBIOSSerialNumber();
   });
   step([&] { TouchScreen::IsTouchDeviceExist(); });
+  step([&] {
+    SystemInfo info;
+    info.GetOsMajorVersion();
+    info.GetOsRevision();
+    info.GetOsDisplayVersion();
+    info.GetOsArchitecture();
+    info.GetMachineName();
+    info.GetSystemDpi();
+    info.GetMonitorDpiList();
+    info.GetUserUILanguage();
+    info.GetTimeZoneName();
+    info.GetTimeZoneBias();
+  });
+  step([&] {
+    SystemEnvironmentInfo environment;
+    environment.IsRemoteSession();
+    environment.IsVirtualMachine();
+    environment.IsSlateMode();
+    environment.IsOnBatteryPower();
+    environment.IsElevated();
+  });
+  step([&] {
+    CDeviceId* ids = CDeviceId::GetInstance();
+    for (unsigned int type = 0; type < 10; ++type) {
+      ids->GetDeviceTypeName(static_cast<DeviceDriverType>(type));
+      ids->GetHardwareDesc(static_cast<DeviceDriverType>(type));
+    }
+  });
+  step([&] {
+    AudioCard().GetDevices();
+    Biometric().GetDevices();
+    Biometric().GetUnits();
+    Bluetooth bluetooth;
+    bluetooth.GetDevices();
+    bluetooth.GetRadio();
+    Keyboard keyboard;
+    keyboard.GetDevices();
+    keyboard.GetLayoutId();
+    keyboard.GetLayoutLanguages();
+    keyboard.GetKeyboardType();
+  });
+  step([&] {
+    FileProcess files;
+    const std::wstring folder = files.GetLibraryFolder();
+    files.GetFileVersion(folder + L"VelHal.dll");
+    files.GetFileSize(folder + L"VelHal.dll");
+    std::wstring text;
+    files.ReadTextFile(folder + L"config\\product_adapter\\HardwareConfig.xml", text);
+  });
 }
 
 }  // namespace velhal::robustness

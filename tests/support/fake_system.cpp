@@ -32,6 +32,13 @@ FakeSystem::~FakeSystem() {
   EXPECT_EQ(power.bad_frees, 0);
   EXPECT_EQ(intel_driver.control.references, 1u) << "the driver object leaked";
   EXPECT_FALSE(intel_driver.control.over_released);
+  EXPECT_EQ(display.open_dcs, 0) << "a screen device context was not released";
+  EXPECT_EQ(security.open_tokens, 0) << "a token was left open";
+  EXPECT_EQ(security.bad_closes, 0);
+  EXPECT_EQ(bluetooth.open_finds + bluetooth.open_radios, 0) << "a radio handle was left open";
+  EXPECT_EQ(bluetooth.bad_closes, 0);
+  EXPECT_EQ(biometric.unfreed(), 0u) << "biometric units were not freed";
+  EXPECT_EQ(biometric.bad_frees, 0);
 }
 
 }  // namespace velhal::testing

@@ -13,17 +13,23 @@
 
 #include "platform/os/seam.h"
 #include "tests/fakes/fake_audio.h"
+#include "tests/fakes/fake_biometric.h"
+#include "tests/fakes/fake_bluetooth.h"
 #include "tests/fakes/fake_com.h"
 #include "tests/fakes/fake_console_output.h"
 #include "tests/fakes/fake_debug_output.h"
 #include "tests/fakes/fake_device_database.h"
 #include "tests/fakes/fake_device_io.h"
 #include "tests/fakes/fake_display.h"
+#include "tests/fakes/fake_file_system.h"
 #include "tests/fakes/fake_firmware_table.h"
-#include "tests/fakes/fake_ip_helper.h"
+#include "tests/fakes/fake_input.h"
 #include "tests/fakes/fake_intel_driver.h"
+#include "tests/fakes/fake_ip_helper.h"
+#include "tests/fakes/fake_locale.h"
 #include "tests/fakes/fake_module.h"
 #include "tests/fakes/fake_power.h"
+#include "tests/fakes/fake_security.h"
 #include "tests/fakes/fake_service_control.h"
 #include "tests/fakes/fake_system_info.h"
 #include "tests/fakes/fake_wlan.h"
@@ -57,6 +63,12 @@ class FakeSystem {
   FakeIpHelper ip_helper;
   FakeDisplay display;
   FakeIntelDriver intel_driver;
+  FakeLocale locale;
+  FakeInput input;
+  FakeSecurity security;
+  FakeBluetooth bluetooth;
+  FakeBiometric biometric;
+  FakeFileSystem file_system;
 
  private:
   template <class Facility>
@@ -79,6 +91,12 @@ class FakeSystem {
   Guard<os::IpHelper> ip_helper_guard_{ip_helper};
   Guard<os::Display> display_guard_{display};
   Guard<os::IntelDriver> intel_driver_guard_{intel_driver};
+  Guard<os::Locale> locale_guard_{locale};
+  Guard<os::Input> input_guard_{input};
+  Guard<os::Security> security_guard_{security};
+  Guard<os::Bluetooth> bluetooth_guard_{bluetooth};
+  Guard<os::Biometric> biometric_guard_{biometric};
+  Guard<os::FileSystem> file_system_guard_{file_system};
 };
 
 }  // namespace velhal::testing

@@ -18,7 +18,7 @@ TEST(HalinfoNodeTest, BothRenderersPrintOneTree) {
       Array("usb", "USB", {})};
 
   EXPECT_EQ(nlohmann::ordered_json::parse(JsonDocument(sections)).dump(),
-            R"({"disks":{"count":1,"items":[{"model":"","sizeMiB":512,"freeMiB":null,)"
+            R"({"schemaVersion":1,"disks":{"count":1,"items":[{"model":"","sizeMiB":512,"freeMiB":null,)"
             R"("wearPercent":12.5,"ssd":true}]},"usb":[]})");
   EXPECT_EQ(PlainText(sections),
             "Disks\n"

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -54,8 +55,44 @@ TEST(HalinfoSmbiosTest, ReportsCarryTheTableUtf8TextAndTheDerivedIdentity) {
   const auto [text, status] = Halinfo("--smbios-file " + path);
   EXPECT_EQ(status, 0);
   EXPECT_NE(text.find("bare structure table"), std::string::npos);
-  EXPECT_NE(Halinfo("--smbios-file /nonexistent/table").second, 0);
-  EXPECT_NE(Halinfo("").second, 0);  // this build has no running-machine report
+  // dmidecode's decodings in plain text: a named chassis type with its number.
+  EXPECT_NE(text.find("Detachable (32)"), std::string::npos);
+}
+
+// Each kind of bad input has its exit code and says so in one line on standard error, with
+// the report of what could be decoded still printed.
+TEST(HalinfoSmbiosTest, BadInputsAndUsageHaveTheirExitCodes) {
+  const std::string random = ::testing::TempDir() + "halinfo-random.bin";
+  std::ofstream(random, std::ios::binary) << std::string("\x7E\x02\xFF\xAA", 4) + std::string(300, '\x55');
+  std::ifstream whole(kData + "wine8-notebook.rsmb", std::ios::binary);
+  const std::string table((std::istreambuf_iterator<char>(whole)), {});
+  const std::string cut = ::testing::TempDir() + "halinfo-cut.rsmb";
+  std::ofstream(cut, std::ios::binary) << table.substr(0, 100);
+  struct Case {
+    std::string arguments;
+    int status;
+    const char* says;  // on standard error
+  };
+  const Case cases[] = {
+      {"--version", 0, ""},
+      {"--no-such-option", 2, "--no-such-option"},
+      {"--smbios-file /nonexistent/table", 4, "/nonexistent/table: no such file"},
+      {"--smbios-file " + ::testing::TempDir(), 4, "is a directory"},
+      {"--smbios-file " + random, 4, "holds no SMBIOS structure"},
+      {"--smbios-file " + cut + " --json", 4, "is truncated or damaged"},
+      {"--edid-file " + random, 4, "holds no EDID"},
+      {"", 2, "reads saved files only"},  // this build has no running-machine report
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.arguments);
+    const auto [errors, status] = velhal::testing::HalinfoErrors(c.arguments);
+    EXPECT_EQ(status, c.status);
+    EXPECT_NE(errors.find(c.says), std::string::npos) << errors;
+    if (c.status == 4 && c.arguments.find("--json") != std::string::npos) {
+      EXPECT_TRUE(nlohmann::json::accept(Halinfo(c.arguments).first));  // still printed
+    }
+  }
+  EXPECT_EQ(Halinfo("--version").first.rfind("halinfo ", 0), 0u);
 }
 
 }  // namespace

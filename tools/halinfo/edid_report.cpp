@@ -1,16 +1,15 @@
 #include "tools/halinfo/edid_report.h"
 
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <vector>
 
 #include "core/edid.h"
+#include "tools/halinfo/exit_codes.h"
+#include "tools/halinfo/input_file.h"
 #include "tools/halinfo/output.h"
 
 namespace halinfo {
 namespace {
-
-constexpr int kExitUnreadable = 2;
 
 Node PreferredModeNode(const std::optional<velhal::edid::PreferredMode>& mode) {
   if (!mode) return Leaf("preferredMode", "preferred mode", nullptr);
@@ -40,15 +39,28 @@ Node EdidNode(const uint8_t* data, size_t size) {
 }
 
 int ReportEdidFile(const std::string& path, bool json) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    PrintError("halinfo: cannot read " + path + "\n");
-    return kExitUnreadable;
-  }
-  const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(file)), {});
-  const Node report = EdidNode(bytes.data(), bytes.size());
+  const std::optional<std::vector<uint8_t>> bytes = ReadInputFile(path);
+  if (!bytes) return kExitBadInput;
+  const Node report = EdidNode(bytes->data(), bytes->size());
   Print(json ? JsonDocument({report}) : path + "\n\n" + PlainText({report}));
-  return 0;
+  // What could be decoded is printed; a blob that is not a whole EDID still fails the run.
+  const velhal::edid::Facts facts = velhal::edid::Decode(bytes->data(), bytes->size());
+  const size_t blocks = bytes->size() / 128;
+  std::string problem;
+  if (bytes->empty()) {
+    problem = "is empty";
+  } else if (!facts.header_valid) {
+    problem = "holds no EDID (its first 8 bytes are not the EDID header)";
+  } else if (bytes->size() < 128 || bytes->size() % 128 != 0 ||
+             blocks < 1 + size_t{facts.extension_count}) {
+    problem = "is truncated: " + std::to_string(bytes->size()) + " bytes where " +
+              std::to_string(1 + facts.extension_count) + " blocks of 128 are announced";
+  } else if (!facts.checksum_valid) {
+    problem = "is damaged: the base block's checksum does not add up";
+  }
+  if (problem.empty()) return kExitSuccess;
+  ReportBadInput(path, problem);
+  return kExitBadInput;
 }
 
 }  // namespace halinfo

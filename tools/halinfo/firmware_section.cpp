@@ -85,6 +85,7 @@ SmbiosReport FromRunningMachine() {
   const GUID uuid = h.GetSysUUID();
   std::array<uint8_t, 16> bytes{};
   std::memcpy(bytes.data(), &uuid, sizeof(uuid));
+  r.system_uuid = bytes;
   r.system_uuid_hex = UuidHex(bytes);
   r.chassis_type = h.GetSecType();
   // The helper answers empty for numbers it holds no string under, so only non-empty ones are

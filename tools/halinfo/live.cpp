@@ -2,18 +2,18 @@
 
 #include "tools/halinfo/live.h"
 
+#include <exception>
 #include <string>
 #include <vector>
 
 #include "hal/hal_batch.h"
+#include "tools/halinfo/exit_codes.h"
 #include "tools/halinfo/node.h"
 #include "tools/halinfo/output.h"
 #include "tools/halinfo/sections.h"
 
 namespace halinfo {
 namespace {
-
-constexpr int kExitLibraryMissing = 3;
 
 enum class Shown { kAlways, kWithDevicesOption };
 
@@ -25,7 +25,7 @@ struct Section {
 // The report, in order: a new section is one row.
 constexpr Section kSections[] = {
     {LibrarySection},
-    {WindowsSection},
+    {OperatingSystemSection},
     {ProcessorSection},
     {MemorySection},
     {DisksSection},
@@ -37,10 +37,16 @@ constexpr Section kSections[] = {
     {SensorsSection},
     {TouchScreenSection},
     {NetworkSection},
+    {AudioDevicesSection},
+    {BluetoothSection},
+    {BiometricSection},
+    {KeyboardSection},
     {UsbSection},
     {DevicesSection, Shown::kWithDevicesOption},  // long: printed on request
     {DriversSection, Shown::kWithDevicesOption},
 };
+
+}  // namespace
 
 // VelHal.dll is bound lazily (delay-load), so its absence is reported here in plain words
 // instead of by the loader before main runs.
@@ -49,7 +55,13 @@ HMODULE LoadVelHal() {
                           LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }
 
-}  // namespace
+std::vector<SectionBuilder> ReportSections(bool with_devices) {
+  std::vector<SectionBuilder> builders;
+  for (const Section& section : kSections) {
+    if (section.shown == Shown::kAlways || with_devices) builders.push_back(section.build);
+  }
+  return builders;
+}
 
 int ReportRunningMachine(const Options& options) {
   if (LoadVelHal() == nullptr) {
@@ -61,11 +73,19 @@ int ReportRunningMachine(const Options& options) {
   // One batch for the whole inventory: one WMI connection per namespace, each query asked once.
   const HalBatch batch;
   std::vector<Node> sections;
-  for (const Section& section : kSections) {
-    if (section.shown == Shown::kAlways || options.devices) sections.push_back(section.build());
+  int failed = 0;
+  for (const SectionBuilder build : ReportSections(options.devices)) {
+    // A section that cannot be made is left out and said; the rest of the report still prints.
+    try {
+      sections.push_back(build());
+    } catch (const std::exception& error) {
+      PrintError(std::string("halinfo: section ") + std::to_string(sections.size() + failed + 1) +
+                 " of the report failed: " + error.what() + "\n");
+      ++failed;
+    }
   }
   Print(options.json ? JsonDocument(sections) : PlainText(sections));
-  return 0;
+  return failed == 0 ? kExitSuccess : kExitSectionFailed;
 }
 
 }  // namespace halinfo

@@ -1,7 +1,12 @@
 // The running machine's report (Windows only): VelHal.dll loaded, then section by section.
 #pragma once
 
+#include "platform/win32.h"
+
 #include <string>
+#include <vector>
+
+#include "tools/halinfo/node.h"
 
 namespace halinfo {
 
@@ -13,5 +18,10 @@ struct Options {
 };
 
 int ReportRunningMachine(const Options& options);
+
+// What ReportRunningMachine uses, for programs that time the report (bench/section_bench.cpp).
+HMODULE LoadVelHal();
+using SectionBuilder = Node (*)();
+std::vector<SectionBuilder> ReportSections(bool with_devices);
 
 }  // namespace halinfo

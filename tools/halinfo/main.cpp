@@ -11,15 +11,18 @@
 
 #include <CLI/CLI.hpp>
 
+#include "velhal_version.h"
+
 #include "tools/halinfo/edid_report.h"
+#include "tools/halinfo/exit_codes.h"
 #include "tools/halinfo/live.h"
 #include "tools/halinfo/output.h"
 #include "tools/halinfo/smbios_report.h"
 
 namespace {
 
-constexpr int kExitFailure = 1;
-constexpr int kExitUsage = 2;
+using halinfo::kExitSectionFailed;
+using halinfo::kExitUsage;
 
 int Run(const halinfo::Options& options) {
   if (!options.smbios_file.empty()) return halinfo::ReportSmbiosFile(options.smbios_file, options.json);
@@ -48,15 +51,23 @@ int Main(std::vector<std::string> arguments) {
     app.add_option("--edid-file", options.edid_file,
                    "Decode a saved EDID instead (a copy of /sys/class/drm/*/edid, or a "
                    "monitor's EDID registry value saved to a file)");
+    app.set_version_flag("--version", "halinfo " VELHAL_VERSION_STRING);
+    app.footer(
+        "Exit codes: 0 success, 1 a section of the report failed, 2 usage, 3 VelHal.dll "
+        "missing, 4 an input file unreadable or not decodable whole.");
     try {
       app.parse(arguments);
+    } catch (const CLI::Success& success) {  // --help, --version
+      return app.exit(success) == 0 ? halinfo::kExitSuccess : kExitUsage;
     } catch (const CLI::ParseError& error) {
-      return app.exit(error);
+      // CLI11's own codes (109, 114, ...) are its business; ours say "usage".
+      app.exit(error);
+      return kExitUsage;
     }
     return Run(options);
   } catch (const std::exception& error) {
     halinfo::PrintError(std::string("halinfo: ") + error.what() + "\n");
-    return kExitFailure;
+    return kExitSectionFailed;
   }
 }
 

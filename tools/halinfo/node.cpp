@@ -37,6 +37,7 @@ std::string NumberText(int64_t number) { return std::to_string(number); }
 std::string NumberText(uint64_t number) { return std::to_string(number); }
 
 std::string ValueText(const Node& node) {
+  if (!node.shown.empty()) return node.shown;
   return std::visit(
       [&](const auto& value) -> std::string {
         using T = std::decay_t<decltype(value)>;
@@ -113,8 +114,14 @@ Node Array(std::string key, std::string label, std::vector<Node> elements) {
   return Container(Node::Kind::kArray, std::move(key), std::move(label), std::move(elements));
 }
 
+Node Shown(Node node, std::string text) {
+  node.shown = std::move(text);
+  return node;
+}
+
 std::string JsonDocument(const std::vector<Node>& sections) {
   nlohmann::ordered_json document = nlohmann::ordered_json::object();
+  document["schemaVersion"] = kSchemaVersion;
   for (const Node& section : sections) document[section.key] = ToJson(section);
   return document.dump(2) + "\n";
 }

@@ -28,6 +28,7 @@ struct Node {
   std::string label;
   Value value;                 // null: unknown
   std::string unit;            // after a known number, in plain text
+  std::string shown;           // in plain text instead of the value, when set (a decoded form)
   std::vector<Node> children;  // an object's members or an array's elements
 };
 
@@ -37,6 +38,9 @@ Node Text(std::string key, std::string label, std::string text);
 Node Flag(std::string key, std::string label, std::optional<bool> flag);
 Node Object(std::string key, std::string label, std::vector<Node> members);
 Node Array(std::string key, std::string label, std::vector<Node> elements);
+// The node with its value written another way in plain text ("Notebook" for chassis type 10);
+// JSON keeps the value.
+Node Shown(Node node, std::string text);
 
 template <class T>
 concept Numeric = std::is_arithmetic_v<T> && !std::same_as<T, bool>;
@@ -64,7 +68,12 @@ Node Number(std::string key, std::string label, T number, std::string unit = {})
   return Number(std::move(key), std::move(label), std::optional<T>(number), std::move(unit));
 }
 
-// The sections as one JSON object keyed by their keys, indented by 2, with a final line break.
+// The version of the JSON documents' shape (tools/halinfo/halinfo.schema.json describes it):
+// raised when a key changes meaning or goes; new keys come without a change.
+inline constexpr int kSchemaVersion = 1;
+
+// The sections as one JSON object keyed by their keys, after "schemaVersion", indented by 2,
+// with a final line break.
 std::string JsonDocument(const std::vector<Node>& sections);
 // The sections one after the other, a blank line between: a heading line each, then a line a
 // value, "label  value unit", indented by depth.

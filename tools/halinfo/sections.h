@@ -13,7 +13,7 @@ struct GpAdapterList;  // hal/hal_api.h
 namespace halinfo {
 
 Node LibrarySection();
-Node WindowsSection();
+Node OperatingSystemSection();
 Node ProcessorSection();
 Node MemorySection();
 Node DisksSection();
@@ -27,6 +27,10 @@ Node TouchScreenSection();
 Node DevicesSection();
 Node NetworkSection();
 Node DriversSection();
+Node AudioDevicesSection();
+Node BluetoothSection();
+Node BiometricSection();
+Node KeyboardSection();
 Node UsbSection();
 
 // The name of record index of a graphics block from GpInit (graphics_section.cpp).

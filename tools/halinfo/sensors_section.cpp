@@ -1,6 +1,6 @@
 // Firmware-side readings: thermal zones, fans, battery voltage and current, and the firmware-
 // setup switches, through VelSDK::BiosWmi and BiosFun. A reading the machine has no source for
-// reads "not available".
+// is null in JSON and reads "not available" in plain text.
 #include "platform/win32.h"
 
 #include <string>
@@ -16,8 +16,8 @@ namespace {
 constexpr uint32_t kZoneLimit = 16;
 
 Node NotAvailable(std::string key, std::string label, int result) {
-  return Text(std::move(key), std::move(label),
-              result == ERROR_NOT_SUPPORTED ? "not available" : "error " + std::to_string(result));
+  return Shown(Leaf(std::move(key), std::move(label), nullptr),
+               result == ERROR_NOT_SUPPORTED ? "not available" : "error " + std::to_string(result));
 }
 
 Node Reading(std::string key, std::string label, int result, int value, std::string unit) {
@@ -28,15 +28,15 @@ Node Reading(std::string key, std::string label, int result, int value, std::str
 // Zone after zone until the first one the machine does not have.
 Node Temperatures() {
   std::vector<Node> zones;
-  int result = 0;
   for (uint32_t n = 0; n < kZoneLimit; ++n) {
     int celsius = 0;
-    result =
-        VelSDK::BiosWmi::GetSensorTemperature(celsius, static_cast<QuerySensorTemperatureIndex>(n));
-    if (result != 0) break;
+    if (VelSDK::BiosWmi::GetSensorTemperature(
+            celsius, static_cast<QuerySensorTemperatureIndex>(n)) != 0) {
+      break;
+    }
     zones.push_back(Number("zone" + std::to_string(n), "zone " + std::to_string(n), celsius, "C"));
   }
-  if (zones.empty()) return NotAvailable("temperaturesC", "temperatures", result);
+  // No zone: an empty object, "none" in plain text.
   return Object("temperaturesC", "temperatures", std::move(zones));
 }
 
@@ -78,7 +78,7 @@ Node Switches() {
     bool on = false;
     switches.push_back(bios.GetBiosSwitch(on, row.type)
                            ? Flag(row.key, row.label, on)
-                           : Text(row.key, row.label, "not available"));
+                           : NotAvailable(row.key, row.label, ERROR_NOT_SUPPORTED));
   }
   return Object("biosSwitches", "BIOS switches (on)", std::move(switches));
 }

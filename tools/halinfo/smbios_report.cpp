@@ -1,18 +1,17 @@
 #include "tools/halinfo/smbios_report.h"
 
-#include <fstream>
-#include <iterator>
+#include <optional>
 #include <vector>
 
 #include "core/identity.h"
+#include "tools/halinfo/exit_codes.h"
+#include "tools/halinfo/input_file.h"
 #include "tools/halinfo/output.h"
 
 namespace halinfo {
 namespace {
 
 using velhal::smbios::Field;
-
-constexpr int kExitUnreadable = 2;
 
 std::string Utf8(const std::string& ansi) { return ToUtf8(FromAnsi(ansi)); }
 
@@ -23,6 +22,9 @@ const char* FormatName(velhal::smbios::SavedFormat format) {
     default: return "bare structure table";
   }
 }
+
+// A version byte pair of 0xFF, 0xFF: the firmware does not support the field.
+bool Supported(const std::string& version) { return version != "255.255"; }
 
 }  // namespace
 
@@ -43,6 +45,7 @@ SmbiosReport SmbiosReport::FromTable(uint32_t major, uint32_t minor, uint32_t dm
   r.minor = minor;
   r.dmi_revision = dmi_revision;
   for (size_t i = 0; i < r.text.size(); ++i) r.text[i] = Utf8(f.text[i]);
+  r.system_uuid = f.system_uuid;
   r.system_uuid_hex = UuidHex(f.system_uuid);
   r.chassis_type = f.chassis_type;
   for (const auto& [number, text] : f.oem_strings) r.oem_strings[number] = Utf8(text);
@@ -61,13 +64,39 @@ SmbiosReport SmbiosReport::FromTable(uint32_t major, uint32_t minor, uint32_t dm
   return r;
 }
 
-Node SmbiosReport::FieldNode(const velhal::smbios::FieldName& row) const {
+// Each field as both renderers print it; where dmidecode decodes a value (chassis type names,
+// unsupported versions, the UUID's text form), plain text shows the decoded form and JSON keeps
+// the value, with the decoded facts under keys of their own.
+std::vector<Node> SmbiosReport::FieldNodes(const velhal::smbios::FieldName& row) const {
+  const auto text_of = [&] { return text[static_cast<size_t>(row.field)]; };
   switch (row.field) {
-    case Field::kSystemUuid: return Text(row.key, row.label, system_uuid_hex);
-    case Field::kChassisType: return Number(row.key, row.label, chassis_type);
-    default: return Text(row.key, row.label, text[static_cast<size_t>(row.field)]);
+    case Field::kSystemUuid: {
+      const std::string uuid = velhal::smbios::UuidText(system_uuid, static_cast<uint8_t>(major),
+                                                        static_cast<uint8_t>(minor));
+      return {Shown(Text(row.key, row.label, system_uuid_hex), uuid), Text("uuidText", "", uuid)};
+    }
+    case Field::kChassisType: {
+      const char* name = velhal::smbios::ChassisTypeName(static_cast<uint8_t>(chassis_type));
+      const bool locked = (chassis_type & 0x80) != 0;
+      const std::string shown = std::string(name ? name : "not a known type") + " (" +
+                                std::to_string(chassis_type & 0x7F) + ")" +
+                                (locked ? ", lock present" : "");
+      return {Shown(Number(row.key, row.label, chassis_type), shown),
+              Text("typeName", "", name ? name : ""), Flag("locked", "", locked)};
+    }
+    case Field::kBiosSystemVersion:
+    case Field::kBiosEcVersion: {
+      const std::string value = text_of();
+      const bool supported = Supported(value);
+      const char* key =
+          row.field == Field::kBiosSystemVersion ? "systemVersionSupported" : "ecVersionSupported";
+      Node version = Text(row.key, row.label, value);
+      return {supported ? version : Shown(version, "not supported"), Flag(key, "", supported)};
+    }
+    default: return {Text(row.key, row.label, text_of())};
   }
 }
+
 
 Node SmbiosReport::ToNode() const {
   std::vector<Node> members = {Object("version", "version",
@@ -78,7 +107,7 @@ Node SmbiosReport::ToNode() const {
     if (members.back().key != row.group->key) {
       members.push_back(Object(row.group->key, row.group->label, {}));
     }
-    members.back().children.push_back(FieldNode(row));
+    for (Node& node : FieldNodes(row)) members.back().children.push_back(std::move(node));
   }
   std::vector<Node> oem;
   for (const auto& [number, value] : oem_strings) {
@@ -96,19 +125,15 @@ Node SmbiosReport::ToNode() const {
 }
 
 int ReportSmbiosFile(const std::string& path, bool json) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    PrintError("halinfo: cannot read " + path + "\n");
-    return kExitUnreadable;
-  }
-  const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(file)), {});
-  const auto saved = velhal::smbios::DetectSavedTable(bytes.data(), bytes.size());
+  const std::optional<std::vector<uint8_t>> bytes = ReadInputFile(path);
+  if (!bytes) return kExitBadInput;
+  const auto saved = velhal::smbios::DetectSavedTable(bytes->data(), bytes->size());
   if (!saved) {
-    PrintError("halinfo: " + path + " is empty\n");
-    return kExitUnreadable;
+    ReportBadInput(path, "is empty");
+    return kExitBadInput;
   }
   velhal::smbios::Fields fields;
-  velhal::smbios::Walk(bytes.data() + saved->offset, saved->length, fields);
+  velhal::smbios::Walk(bytes->data() + saved->offset, saved->length, fields);
   const Node report =
       SmbiosReport::FromTable(saved->major, saved->minor, saved->dmi_revision, fields).ToNode();
   if (json) {
@@ -117,7 +142,20 @@ int ReportSmbiosFile(const std::string& path, bool json) {
     Print(path + ": " + FormatName(saved->format) + ", " + std::to_string(saved->length) +
           " bytes of structures\n\n" + PlainText({report}));
   }
-  return 0;
+  // What could be decoded is printed; a table that is not whole still fails the run.
+  const velhal::smbios::TableCheck check =
+      velhal::smbios::CheckTable(bytes->data() + saved->offset, saved->length);
+  if (check.structures == 0) {
+    ReportBadInput(path, "holds no SMBIOS structure");
+    return kExitBadInput;
+  }
+  if (saved->truncated || check.damaged) {
+    ReportBadInput(path, "is truncated or damaged: the table breaks off after " +
+                             std::to_string(check.structures) +
+                             (check.structures == 1 ? " whole structure" : " whole structures"));
+    return kExitBadInput;
+  }
+  return kExitSuccess;
 }
 
 }  // namespace halinfo

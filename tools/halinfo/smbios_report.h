@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "core/smbios.h"
 #include "tools/halinfo/node.h"
@@ -16,6 +17,7 @@ namespace halinfo {
 struct SmbiosReport {
   uint32_t major = 0, minor = 0, dmi_revision = 0;
   std::array<std::string, velhal::smbios::kTextFieldCount> text;  // UTF-8, by Field
+  std::array<uint8_t, 16> system_uuid{};  // as stored in the table
   std::string system_uuid_hex;
   uint32_t chassis_type = 0;
   std::map<int, std::string> oem_strings;  // exactly the numbers the firmware stored
@@ -29,7 +31,7 @@ struct SmbiosReport {
   Node ToNode() const;
 
  private:
-  Node FieldNode(const velhal::smbios::FieldName& row) const;
+  std::vector<Node> FieldNodes(const velhal::smbios::FieldName& row) const;
 };
 
 std::string UuidHex(const std::array<uint8_t, 16>& bytes);

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/wmi_variant.h"
@@ -13,6 +16,7 @@ namespace {
 using velhal::testing::FakeCom;
 using velhal::testing::FakeValue;
 using velhal::wmi::RunQuery;
+using Clock = std::chrono::steady_clock;
 
 const std::wstring kCimV2 = L"ROOT\\CIMV2";
 const std::wstring kProcessors = L"SELECT Name FROM Win32_Processor";
@@ -116,23 +120,62 @@ TEST_F(WmiEngineTest, HandsOverEveryRowInOrderOrOnlyTheFirst) {
   ExpectClean(com);
 }
 
-TEST_F(WmiEngineTest, ReportsFailuresAndTimeouts) {
-  FakeCom com(FakeCom::Apartment::kNone);
+// A WMI that never answers: the query ends at its bound, each wait within it, and a thread
+// waiting for its turn behind a stalled one waits no longer than the bound either.
+TEST_F(WmiEngineTest, ReportsFailuresAndEndsEveryWaitAtItsBound) {
+  using std::chrono::milliseconds;
+  constexpr milliseconds kBound{400};
+  constexpr milliseconds kLate = kBound * 3 / 2;  // a second wait of the bound would pass it
+  const velhal::wmi::ScopedQueryTimeoutForTesting bound(kBound);
+  FakeCom com(FakeCom::Apartment::kMta);
   com.AddNamespace(kCimV2);
   com.AddQuery(L"SELECT Name FROM Win32_Stalled", {S_OK, {NameRow(L"early")}, true});
   com.AddQuery(L"SELECT Name FROM Win32_Broken", {static_cast<HRESULT>(WBEM_E_INVALID_CLASS), {}});
+  com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
   Install(com);
+  const auto elapsed_since = [](Clock::time_point start) {
+    return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+  };
 
   Collector stalled;
+  Clock::time_point start = Clock::now();
   EXPECT_EQ(RunQuery(kCimV2, L"SELECT Name FROM Win32_Stalled", L"Name", false,
                      stalled.callback()),
             static_cast<HRESULT>(WBEM_E_TIMED_OUT));
+  EXPECT_GE(elapsed_since(start), kBound - milliseconds(50));
+  EXPECT_LT(elapsed_since(start), kLate);
   EXPECT_EQ(stalled.values, std::vector<std::wstring>{L"early"});
-  // Each wait is bounded, never WBEM_INFINITE, and never longer than the query's budget.
   ASSERT_FALSE(com.next_timeouts.empty());
   for (LONG timeout : com.next_timeouts) {
     EXPECT_GT(timeout, 0);
-    EXPECT_LE(timeout, velhal::wmi::kQueryTimeout.count());
+    EXPECT_LE(timeout, kBound.count());
+  }
+  // The real bound is the one documented, whatever a test sets.
+  EXPECT_EQ(velhal::wmi::kQueryTimeout, milliseconds(10'000));
+
+  // Another thread holds the turn longer than the bound (a query stalled in WMI itself): where
+  // queries are serialized this one gives up at the bound; elsewhere it does not wait at all.
+  std::atomic<bool> holding{false}, release{false};
+  std::thread holder([&] {
+    const velhal::wmi::Turn turn;
+    holding = true;
+    while (!release) std::this_thread::sleep_for(milliseconds(5));
+  });
+  while (!holding) std::this_thread::sleep_for(milliseconds(1));
+  Collector waiting;
+  start = Clock::now();
+  const HRESULT behind = RunQuery(kCimV2, kProcessors, L"Name", false, waiting.callback());
+  const milliseconds waited = elapsed_since(start);
+  release = true;
+  holder.join();
+  if (velhal::wmi::SerializesQueries()) {
+    EXPECT_EQ(behind, static_cast<HRESULT>(WBEM_E_TIMED_OUT));
+    EXPECT_GE(waited, kBound - milliseconds(50));
+    EXPECT_LT(waited, kLate) << "the turn was waited for twice";
+    EXPECT_TRUE(waiting.values.empty());
+  } else {
+    EXPECT_EQ(behind, S_OK);
+    EXPECT_LT(waited, kBound);
   }
 
   Collector none;
@@ -142,7 +185,6 @@ TEST_F(WmiEngineTest, ReportsFailuresAndTimeouts) {
             static_cast<HRESULT>(WBEM_E_INVALID_NAMESPACE));
   EXPECT_TRUE(none.values.empty());
   backend_.reset();
-  EXPECT_EQ(com.initialize_calls, com.uninitialize_calls);
   ExpectClean(com);
 }
 
