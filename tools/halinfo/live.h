@@ -1,7 +1,9 @@
 // The running machine's report (Windows only): VelHal.dll loaded, then section by section.
 #pragma once
 
+#ifdef _WIN32
 #include "platform/win32.h"
+#endif
 
 #include <string>
 #include <vector>
@@ -19,9 +21,11 @@ struct Options {
 
 int ReportRunningMachine(const Options& options);
 
+#ifdef _WIN32
 // What ReportRunningMachine uses, for programs that time the report (bench/section_bench.cpp).
 HMODULE LoadVelHal();
 using SectionBuilder = Node (*)();
 std::vector<SectionBuilder> ReportSections(bool with_devices);
+#endif
 
 }  // namespace halinfo
