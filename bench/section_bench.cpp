@@ -50,6 +50,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "section_bench: cannot load VelHal.dll\n");
     return 1;
   }
+  const halinfo::ReportApartment apartment;
   const std::vector<halinfo::SectionBuilder> builders = halinfo::ReportSections(devices);
   std::vector<std::string> names(builders.size());
   // times[section][round]; the last row is the JSON document's output, the row after it the

@@ -6,6 +6,7 @@
 
 #include <cwchar>
 
+#include "platform/batch.h"
 #include "platform/com_ptr.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
@@ -56,7 +57,9 @@ std::optional<std::map<std::wstring, uint32_t>> DxgiDedicatedMemory() {
   return memory;
 }
 
-std::vector<GraphicsAdapter> TakeGraphicsInventory() {
+namespace {
+
+std::vector<GraphicsAdapter> TakeInventoryNow() {
   DeviceInformention devices;
   std::vector<GraphicsAdapter> adapters;
   for (const std::wstring& id : devices.GetDeviceHardwareId(device_class::kDisplay)) {
@@ -76,5 +79,11 @@ std::vector<GraphicsAdapter> TakeGraphicsInventory() {
     adapters.push_back({memory->begin()->first, memory->begin()->second});
   return adapters;
 }
+
+}  // namespace
+
+// DXGI's factory alone costs tens of milliseconds (hundreds with a display under Wine), and a
+// report asks for the inventory several times: a batch takes it once.
+std::vector<GraphicsAdapter> TakeGraphicsInventory() { return batch::Kept(&TakeInventoryNow); }
 
 }  // namespace velhal::hal

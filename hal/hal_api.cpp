@@ -5,7 +5,7 @@
 
 #include "hal/class_dispatch.h"
 #include "platform/boundary.h"
-#include "platform/wmi_engine.h"
+#include "platform/batch.h"
 
 namespace {
 
@@ -32,13 +32,13 @@ void HalFreeBlock(void* block) { std::free(block); }
 
 uint32_t HalBeginBatch() {
   return velhal::CallGuarded(0u, [] {
-    velhal::wmi::BeginBatch();
+    velhal::batch::Begin();
     return 1u;
   });
 }
 
 uint32_t HalEndBatch() {
-  return velhal::CallGuarded(0u, [] { return velhal::wmi::EndBatch() ? 1u : 0u; });
+  return velhal::CallGuarded(0u, [] { return velhal::batch::End() ? 1u : 0u; });
 }
 
 uint32_t HalInit(HalDeviceClass deviceClass, void* list) {

@@ -256,8 +256,9 @@ HAL_STATIC_ASSERT(offsetof(DpColorRange, step) == 16, "step at 16");
 
 /*
  * A batch, for hosts that ask many questions at once: between HalBeginBatch and HalEndBatch,
- * on the calling thread, every WMI query shares one connection per namespace and an identical
- * query is answered from the rows the batch already holds. Batches nest (counted per thread);
+ * on the calling thread, every WMI query shares one connection per namespace, an identical
+ * query is answered from the rows the batch already holds, and the graphics and IP adapter
+ * inventories are taken once. Batches nest (counted per thread);
  * the outermost HalEndBatch releases everything. End a batch on the thread that began it and
  * before that thread uninitialises COM. HalEndBatch returns 0 when no batch is open.
  */

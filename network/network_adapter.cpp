@@ -13,6 +13,7 @@
 
 #include "core/ip_address.h"
 #include "network/network_card.h"
+#include "platform/batch.h"
 #include "platform/boundary.h"
 #include "platform/com_apartment.h"
 #include "platform/com_ptr.h"
@@ -205,7 +206,7 @@ IpAdapter Publish(const IP_ADAPTER_ADDRESSES& from) {
 }
 
 // The IP stack's adapters, loopback and tunnels left out; empty when the table cannot be read.
-std::vector<IpAdapter> ReadIpAdapters() {
+std::vector<IpAdapter> ReadIpAdaptersNow() {
   std::vector<IP_ADAPTER_ADDRESSES> table;  // whole entries, for the entries' alignment
   ULONG size = kFirstTableBytes;
   ULONG result = ERROR_BUFFER_OVERFLOW;
@@ -223,6 +224,9 @@ std::vector<IpAdapter> ReadIpAdapters() {
   }
   return adapters;
 }
+
+// The per-index getters read the whole table each: a batch reads it once.
+std::vector<IpAdapter> ReadIpAdapters() { return velhal::batch::Kept(&ReadIpAdaptersNow); }
 
 template <class T>
 T FieldByIndex(unsigned long index, T IpAdapterInfo::*field) {

@@ -36,6 +36,8 @@ struct FlatApi {
   decltype(&::MmInit) MmInit = nullptr;
   decltype(&::MmQueryInformation) MmQueryInformation = nullptr;
   decltype(&::IsTypeDetachablePC) IsTypeDetachablePC = nullptr;
+  decltype(&::GpInit) GpInit = nullptr;
+  decltype(&::HalFreeBlock) HalFreeBlock = nullptr;
 
   // Loads the library beside the program and binds every export; exits with a message when
   // one is missing, as a host would refuse to start.
@@ -61,6 +63,8 @@ struct FlatApi {
     api.Bind(api.MmInit, "MmInit");
     api.Bind(api.MmQueryInformation, "MmQueryInformation");
     api.Bind(api.IsTypeDetachablePC, "IsTypeDetachablePC");
+    api.Bind(api.GpInit, "GpInit");
+    api.Bind(api.HalFreeBlock, "HalFreeBlock");
     return api;
   }
 
@@ -140,6 +144,17 @@ inline std::vector<Probe> ReadProbes(const FlatApi& api) {
           buffer, returned);
     });
   }
+  // The whole adapter block: the inventory a batch keeps for its thread.
+  add("graphics adapters", false, [&api] {
+    GpAdapterList* block = nullptr;
+    const uint32_t ok = api.GpInit(&block);
+    const auto* raw = reinterpret_cast<const uint8_t*>(block);
+    std::vector<uint8_t> bytes(1 + (block != nullptr ? block->totalSize : 0));
+    bytes[0] = static_cast<uint8_t>(ok);
+    if (block != nullptr) std::memcpy(bytes.data() + 1, raw, block->totalSize);
+    api.HalFreeBlock(block);
+    return bytes;
+  });
   add("detachable", false,
       [&api] { return std::vector<uint8_t>{static_cast<uint8_t>(api.IsTypeDetachablePC())}; });
   return probes;

@@ -2,6 +2,8 @@
 
 #include "tools/halinfo/live.h"
 
+#include <objbase.h>
+
 #include <exception>
 #include <string>
 #include <vector>
@@ -55,6 +57,13 @@ HMODULE LoadVelHal() {
                           LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }
 
+ReportApartment::ReportApartment()
+    : initialised_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+
+ReportApartment::~ReportApartment() {
+  if (initialised_) ::CoUninitialize();
+}
+
 std::vector<SectionBuilder> ReportSections(bool with_devices) {
   std::vector<SectionBuilder> builders;
   for (const Section& section : kSections) {
@@ -71,6 +80,7 @@ int ReportRunningMachine(const Options& options) {
     return kExitLibraryMissing;
   }
   // One batch for the whole inventory: one WMI connection per namespace, each query asked once.
+  const ReportApartment apartment;
   const HalBatch batch;
   std::vector<Node> sections;
   int failed = 0;

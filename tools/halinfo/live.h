@@ -26,6 +26,19 @@ int ReportRunningMachine(const Options& options);
 HMODULE LoadVelHal();
 using SectionBuilder = Node (*)();
 std::vector<SectionBuilder> ReportSections(bool with_devices);
+
+// The report's thread in a single-threaded apartment, as a host's UI thread is, for the
+// report's length.
+class ReportApartment {
+ public:
+  ReportApartment();
+  ~ReportApartment();
+  ReportApartment(const ReportApartment&) = delete;
+  ReportApartment& operator=(const ReportApartment&) = delete;
+
+ private:
+  bool initialised_;
+};
 #endif
 
 }  // namespace halinfo

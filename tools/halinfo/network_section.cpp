@@ -4,7 +4,6 @@
 #include <iterator>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "network/network_adapter.h"
@@ -56,18 +55,12 @@ struct Connectivity {
   std::optional<bool> connected, internet;
 };
 
-// IsInternetAvailable enters and leaves an apartment of its own and leaves COM once even when
-// the thread's apartment refused it, which would end the report's own (the batch's WMI
-// connections live in it): asked on a thread without COM, where the two balance.
+// IsInternetAvailable calls CoInitialize and then CoUninitialize whatever it answered: on the
+// report's thread, a single-threaded apartment (ReportApartment), the two balance.
 Connectivity ReadConnectivity() {
-  Connectivity answer;
-  std::thread([&] {
-    bool connected = false, internet = false;
-    if (NetworkAdapter().IsInternetAvailable(connected, internet) == 1) {
-      answer = {connected, internet};
-    }
-  }).join();
-  return answer;
+  bool connected = false, internet = false;
+  if (NetworkAdapter().IsInternetAvailable(connected, internet) != 1) return {};
+  return {connected, internet};
 }
 
 // A list of texts: each a line of its own under the list's label.

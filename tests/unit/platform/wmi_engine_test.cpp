@@ -4,10 +4,12 @@
 
 #include <atomic>
 #include <chrono>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "platform/batch.h"
 #include "platform/wmi_variant.h"
 #include "tests/fakes/fake_com.h"
 
@@ -270,6 +272,46 @@ TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
   EXPECT_EQ(com.exec_flags.size(), 3u);
   backend_.reset();
   ExpectClean(com);
+}
+
+// The inventories several calls read: taken once per batch on its thread, afresh outside one
+// and on other threads, released at the outermost end; a take that throws keeps nothing.
+std::atomic<int> g_taken{0};
+int TakeCount() { return ++g_taken; }
+int TakeOrThrow() {
+  if (++g_taken % 2 == 1) throw std::runtime_error("device busy");
+  return g_taken;
+}
+
+TEST_F(WmiEngineTest, AKeptInventoryIsTakenOncePerBatchOnItsThread) {
+  using velhal::batch::Kept;
+  FakeCom com(FakeCom::Apartment::kNone);
+  Install(com);
+  g_taken = 0;
+  EXPECT_EQ(Kept(&TakeCount), 1);
+  EXPECT_EQ(Kept(&TakeCount), 2);  // no batch: afresh
+
+  EXPECT_FALSE(velhal::batch::Active());
+  velhal::batch::Begin();
+  EXPECT_TRUE(velhal::batch::Active());
+  EXPECT_EQ(Kept(&TakeCount), 3);
+  velhal::batch::Begin();
+  EXPECT_EQ(Kept(&TakeCount), 3);
+  int other_thread = 0;
+  std::thread([&] { other_thread = Kept(&TakeCount); }).join();
+  EXPECT_EQ(other_thread, 4);
+  EXPECT_TRUE(velhal::batch::End());
+  EXPECT_EQ(Kept(&TakeCount), 3);  // the inner end keeps it
+
+  EXPECT_THROW(Kept(&TakeOrThrow), std::runtime_error);  // g_taken 5: odd, throws
+  EXPECT_EQ(Kept(&TakeOrThrow), 6);
+  EXPECT_EQ(Kept(&TakeOrThrow), 6);
+  EXPECT_EQ(Kept(&TakeCount), 3);  // each take its own entry
+
+  EXPECT_TRUE(velhal::batch::End());
+  EXPECT_FALSE(velhal::batch::Active());
+  EXPECT_FALSE(velhal::batch::End());
+  EXPECT_EQ(Kept(&TakeCount), 7);  // released: afresh again
 }
 
 }  // namespace
