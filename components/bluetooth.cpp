@@ -41,7 +41,7 @@ static_assert(sizeof(BTH_DEVICE_INFO) == 272 && sizeof(LocalRadioInfo) == 292);
 constexpr DWORD kGetLocalInfo =
     CTL_CODE(FILE_DEVICE_BLUETOOTH, 0x00, METHOD_BUFFERED, FILE_ANY_ACCESS);
 
-// Core specification by LMP version, as the Bluetooth SIG assigns them.
+// Bluetooth core version by LMP version number, as the Bluetooth SIG assigns them.
 constexpr const wchar_t* kCoreVersions[] = {L"1.0b", L"1.1", L"1.2", L"2.0", L"2.1",
                                             L"3.0",  L"4.0", L"4.1", L"4.2", L"5.0",
                                             L"5.1",  L"5.2", L"5.3", L"5.4", L"6.0"};

@@ -20,7 +20,7 @@ struct BluetoothRadio {
   uint16_t manufacturer = 0;      // Bluetooth SIG company identifier of the radio's maker
   std::wstring manufacturerName;  // for a few radio makers ("Intel"); empty for the others
   uint16_t subversion = 0;        // LMP subversion: the maker's firmware number
-  // Bluetooth core specification the radio implements ("5.3"), from its LMP version
+  // Bluetooth core version the radio implements ("5.3"), from its LMP version number
   // (IOCTL_BTH_GET_LOCAL_INFO on the radio); empty when the radio does not say.
   std::wstring coreVersion;
 };

@@ -49,7 +49,7 @@ Node Radio(const BluetoothRadio& radio) {
        Text("maker", "maker", radio.present ? maker : ""),
        Number("subversion", "LMP subversion",
               radio.present ? std::optional<uint16_t>(radio.subversion) : std::nullopt),
-       Text("coreVersion", "core specification", ToUtf8(radio.coreVersion))});
+       Text("coreVersion", "Bluetooth core version", ToUtf8(radio.coreVersion))});
 }
 
 const char* FactorText(uint32_t factor) {
