@@ -10,6 +10,7 @@
 #include "platform/device_informention.h"
 #include "platform/device_property_keys.h"
 #include "platform/device_property_read.h"
+#include "platform/device_sets.h"
 #include "platform/os/device_database.h"
 
 namespace velhal::components {
@@ -17,9 +18,8 @@ namespace {
 
 namespace keys = device_keys;
 
-UniqueDeviceInfoSet OpenPresent(const GUID& setup_class) {
-  return UniqueDeviceInfoSet(
-      os::device_database().SetupDiGetClassDevsW(&setup_class, nullptr, nullptr, DIGCF_PRESENT));
+DeviceSetForReading OpenPresent(const GUID& setup_class) {
+  return DeviceSetForReading(&setup_class, DIGCF_PRESENT);
 }
 
 bool EnumDevice(HDEVINFO set, DWORD index, SP_DEVINFO_DATA& device) {
@@ -72,7 +72,7 @@ ComponentDevice Describe(HDEVINFO set, SP_DEVINFO_DATA& device) {
 
 std::vector<ComponentDevice> PresentDevices(const GUID& setup_class) {
   std::vector<ComponentDevice> devices;
-  const UniqueDeviceInfoSet set = OpenPresent(setup_class);
+  const DeviceSetForReading set = OpenPresent(setup_class);
   if (!set.IsValid()) return devices;
   SP_DEVINFO_DATA device;
   for (DWORD index = 0; EnumDevice(set.Get(), index, device); ++index) {
@@ -82,7 +82,7 @@ std::vector<ComponentDevice> PresentDevices(const GUID& setup_class) {
 }
 
 bool AnyPresentDevice(const GUID& setup_class) {
-  const UniqueDeviceInfoSet set = OpenPresent(setup_class);
+  const DeviceSetForReading set = OpenPresent(setup_class);
   SP_DEVINFO_DATA device;
   return set.IsValid() && EnumDevice(set.Get(), 0, device);
 }

@@ -16,6 +16,7 @@
 #include "platform/boundary.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
+#include "platform/device_sets.h"
 #include "platform/diagnostics.h"
 #include "platform/os/device_database.h"
 #include "platform/os/timing.h"
@@ -143,6 +144,7 @@ void DeviceDriver::ScanForHardwareChange() {
       velhal::WriteDiagnostic(L"CM_Locate_DevNode failed and error code is :", located, kScanWhere);
       return false;
     }
+    velhal::ForgetKeptDeviceSets();  // the devices change from here
     const CONFIGRET rescanned = db.CM_Reenumerate_DevNode(root, CM_REENUMERATE_ASYNCHRONOUS);
     if (rescanned != CR_SUCCESS) {
       velhal::WriteDiagnostic(L"CM_Reenumerate_DevNode failed and error code is :", rescanned,
@@ -166,6 +168,7 @@ bool DeviceDriver::SetDriverStatus(bool enable, const std::wstring& hardwareId) 
     change.StateChange = enable ? DICS_ENABLE : DICS_DISABLE;
     change.Scope = DICS_FLAG_GLOBAL;
     change.HwProfile = 0;
+    velhal::ForgetKeptDeviceSets();  // the devices change from here
     return db.SetupDiSetClassInstallParamsW(set.Get(), &*device, &change.ClassInstallHeader,
                                             sizeof(change)) &&
            db.SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, set.Get(), &*device);

@@ -9,7 +9,7 @@ namespace velhal::batch {
 namespace {
 
 struct Entry {
-  const void* key;
+  std::string key;
   std::shared_ptr<const void> value;
 };
 
@@ -36,7 +36,7 @@ bool Active() { return t_depth > 0; }
 
 namespace internal {
 
-std::shared_ptr<const void> Find(const void* key) {
+std::shared_ptr<const void> Find(std::string_view key) {
   if (t_kept == nullptr) return nullptr;
   for (const Entry& kept : *t_kept) {
     if (kept.key == key) return kept.value;
@@ -44,9 +44,14 @@ std::shared_ptr<const void> Find(const void* key) {
   return nullptr;
 }
 
-void Keep(const void* key, std::shared_ptr<const void> value) {
+void Keep(std::string key, std::shared_ptr<const void> value) {
   if (t_kept == nullptr) t_kept = new std::vector<Entry>();
-  t_kept->push_back({key, std::move(value)});
+  t_kept->push_back({std::move(key), std::move(value)});
+}
+
+void ForgetStartingWith(std::string_view prefix) {
+  if (t_kept == nullptr) return;
+  std::erase_if(*t_kept, [&](const Entry& kept) { return kept.key.starts_with(prefix); });
 }
 
 }  // namespace internal

@@ -10,10 +10,12 @@
 #include "platform/boundary.h"
 #include "platform/device_property_keys.h"
 #include "platform/device_property_read.h"
+#include "platform/device_sets.h"
 #include "platform/os/device_database.h"
 
 namespace {
 
+using velhal::DeviceSetForReading;
 using velhal::UniqueDeviceInfoSet;
 using velhal::os::device_database;
 namespace keys = velhal::device_keys;
@@ -32,7 +34,8 @@ using TextBuffer = std::array<wchar_t, kOfferedWide / sizeof(wchar_t) + 1>;
 
 enum class Match { kHardwareId = 0, kDescription = 1 };
 
-UniqueDeviceInfoSet OpenSet(const GUID* class_guid, DWORD flags) {
+// For the calls that change devices: a set of their own, never a batch's.
+UniqueDeviceInfoSet OpenOwnSet(const GUID* class_guid, DWORD flags) {
   return UniqueDeviceInfoSet(
       device_database().SetupDiGetClassDevsW(class_guid, nullptr, nullptr, flags));
 }
@@ -98,7 +101,7 @@ std::wstring StringProperty(const std::wstring& key, Match mode, const GUID* cla
                             uint32_t property) {
   const std::optional<DEVPROPKEY> wanted = keys::ForProperty(property);
   if (!wanted) return {};
-  const UniqueDeviceInfoSet set = OpenSet(class_guid, kSystemWideFlags);
+  const DeviceSetForReading set(class_guid, kSystemWideFlags);
   if (!set.IsValid()) return {};
   std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), key, mode);
   if (!device) return {};
@@ -112,7 +115,7 @@ uint32_t NumberProperty(const std::wstring& key, Match mode, const GUID* class_g
                         uint32_t property) {
   const std::optional<DEVPROPKEY> wanted = keys::ForProperty(property);
   if (!wanted) return 0;
-  const UniqueDeviceInfoSet set = OpenSet(class_guid, kSystemWideFlags);
+  const DeviceSetForReading set(class_guid, kSystemWideFlags);
   if (!set.IsValid()) return 0;
   std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), key, mode);
   if (!device) return 0;
@@ -127,7 +130,7 @@ uint32_t NumberProperty(const std::wstring& key, Match mode, const GUID* class_g
 // Appends each string of a class's devices' property, one entry per device, read or not.
 std::vector<std::wstring> ClassList(const GUID& class_guid, const DEVPROPKEY& key) {
   std::vector<std::wstring> list;
-  const UniqueDeviceInfoSet set = OpenSet(&class_guid, kClassFlags);
+  const DeviceSetForReading set(&class_guid, kClassFlags);
   if (!set.IsValid()) return list;
   TextBuffer buffer;
   ForEachDevice(set.Get(), [&](SP_DEVINFO_DATA& device) {
@@ -154,7 +157,7 @@ std::vector<std::wstring> DeviceInformention::GetDeviceHardwareIDList(
     GUID classGuid, const std::wstring& hardwareId) {
   return velhal::CallGuarded(std::vector<std::wstring>{}, [&] {
     std::vector<std::wstring> list;
-    const UniqueDeviceInfoSet set = OpenSet(&classGuid, kClassFlags);
+    const DeviceSetForReading set(&classGuid, kClassFlags);
     if (!set.IsValid()) return list;
     TextBuffer ids;
     if (!FindDevice(set.Get(), hardwareId, Match::kHardwareId, &ids)) return list;
@@ -253,7 +256,7 @@ void DeviceInformention::GetDevicePropertyByhardId(GUID classGuid, const std::ws
   velhal::CallGuarded(false, [&] {
     const std::optional<DEVPROPKEY> wanted = keys::ForProperty(property);
     if (!wanted) return false;
-    const UniqueDeviceInfoSet set = OpenSet(&classGuid, kSystemWideFlags);
+    const DeviceSetForReading set(&classGuid, kSystemWideFlags);
     if (!set.IsValid()) return false;
     std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), hardwareId, Match::kHardwareId);
     if (!device) return false;
@@ -274,7 +277,7 @@ void DeviceInformention::GetDevicePropertyByhardId(GUID classGuid, const std::ws
 
 uint64_t DeviceInformention::GetLastIntallTime(const std::wstring& hardwareId, GUID classGuid) {
   return velhal::CallGuarded(uint64_t{0}, [&]() -> uint64_t {
-    const UniqueDeviceInfoSet set = OpenSet(&classGuid, kClassFlags);
+    const DeviceSetForReading set(&classGuid, kClassFlags);
     if (!set.IsValid()) return 0;
     std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), hardwareId, Match::kHardwareId);
     if (!device) return 0;
@@ -299,7 +302,7 @@ void DeviceInformention::GetAllDeviceHardwareIdEx(std::vector<std::wstring>& har
                                                   const std::wstring& prefix) {
   velhal::CallGuarded(false, [&] {
     hardwareIds.clear();
-    const UniqueDeviceInfoSet set = OpenSet(nullptr, kSystemWideFlags);
+    const DeviceSetForReading set(nullptr, kSystemWideFlags);
     if (!set.IsValid()) return false;
     ForEachDevice(set.Get(), [&](SP_DEVINFO_DATA& device) {
       std::optional<std::wstring> id =
@@ -314,7 +317,7 @@ void DeviceInformention::GetAllDeviceHardwareIdEx(std::vector<std::wstring>& har
 std::vector<std::wstring> DeviceInformention::GetUnknownDeviceHardId() {
   return velhal::CallGuarded(std::vector<std::wstring>{}, [&] {
     std::vector<std::wstring> unknown;
-    const UniqueDeviceInfoSet set = OpenSet(nullptr, kSystemWideFlags);
+    const DeviceSetForReading set(nullptr, kSystemWideFlags);
     if (!set.IsValid()) return unknown;
     // The enumeration's result is looked at only after the record was examined, so the last
     // device is examined once more at the end: callers tolerate the duplicate this can give.
@@ -343,7 +346,7 @@ std::vector<std::wstring> DeviceInformention::GetUnknownDeviceHardId() {
 void DeviceInformention::GetSoftComponentItems(std::vector<std::wstring>& hardwareIds,
                                                const std::wstring& fragment) {
   velhal::CallGuarded(false, [&] {
-    const UniqueDeviceInfoSet set = OpenSet(nullptr, kSystemWideFlags);
+    const DeviceSetForReading set(nullptr, kSystemWideFlags);
     if (!set.IsValid()) return false;
     ForEachDevice(set.Get(), [&](SP_DEVINFO_DATA& device) {
       const std::optional<std::wstring> parent =
@@ -365,7 +368,7 @@ void DeviceInformention::GetSoftComponentItems(std::vector<std::wstring>& hardwa
 std::vector<HardWareIdInfo> DeviceInformention::GetInternalDeviceHardwareId(GUID classGuid) {
   return velhal::CallGuarded(std::vector<HardWareIdInfo>{}, [&] {
     std::vector<HardWareIdInfo> devices;
-    const UniqueDeviceInfoSet set = OpenSet(&classGuid, kClassFlags);
+    const DeviceSetForReading set(&classGuid, kClassFlags);
     if (!set.IsValid()) return devices;
     ForEachDevice(set.Get(), [&](SP_DEVINFO_DATA& device) {
       std::optional<std::wstring> id = ReadFirstString(set.Get(), device, keys::kHardwareIds);
@@ -384,10 +387,11 @@ std::vector<HardWareIdInfo> DeviceInformention::GetInternalDeviceHardwareId(GUID
 uint32_t DeviceInformention::UnstallDeviceByHardwareId(const std::wstring& hardwareId,
                                                        GUID classGuid) {
   return velhal::CallGuarded(kNoMatch, [&]() -> uint32_t {
-    const UniqueDeviceInfoSet set = OpenSet(&classGuid, kClassFlags);
+    const UniqueDeviceInfoSet set = OpenOwnSet(&classGuid, kClassFlags);
     if (!set.IsValid()) return kNoMatch;
     std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), hardwareId, Match::kHardwareId);
     if (!device) return kNoMatch;
+    velhal::ForgetKeptDeviceSets();  // the devices change from here
     if (!device_database().SetupDiRemoveDevice(set.Get(), &*device)) return ::GetLastError();
     return 0;
   });
@@ -396,7 +400,7 @@ uint32_t DeviceInformention::UnstallDeviceByHardwareId(const std::wstring& hardw
 uint32_t DeviceInformention::UnstallDeviceByHardwareIdEx(const std::wstring& hardwareId,
                                                          GUID classGuid) {
   return velhal::CallGuarded(kNoMatch, [&]() -> uint32_t {
-    const UniqueDeviceInfoSet set = OpenSet(&classGuid, kClassFlags);
+    const UniqueDeviceInfoSet set = OpenOwnSet(&classGuid, kClassFlags);
     if (!set.IsValid()) return kNoMatch;
     std::optional<SP_DEVINFO_DATA> device = FindDevice(set.Get(), hardwareId, Match::kHardwareId);
     if (!device) return kNoMatch;
@@ -420,6 +424,7 @@ uint32_t DeviceInformention::UnstallDeviceByHardwareIdEx(const std::wstring& har
     remove.ClassInstallHeader.InstallFunction = DIF_REMOVE;
     remove.Scope = DI_REMOVEDEVICE_GLOBAL;
     remove.HwProfile = 0;
+    velhal::ForgetKeptDeviceSets();  // the devices change from here
     if (!db.SetupDiSetClassInstallParamsW(set.Get(), &*device, &remove.ClassInstallHeader,
                                           sizeof(remove))) {
       return ::GetLastError();

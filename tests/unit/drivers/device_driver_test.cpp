@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/batch.h"
 #include "platform/device_classes.h"
 #include "platform/device_informention.h"
 #include "platform/device_property_keys.h"
@@ -89,6 +90,18 @@ TEST_F(DeviceDriverTest, RescanDiagnosticsAreWordForWord) {
   EXPECT_EQ(driver_.ResetDeviceDriver(kWifi, DriverType_WirelessNetwork), 0u);
   EXPECT_EQ(os_.debug.messages, std::vector<std::wstring>{
                                     L"CM_Locate_DevNode failed and error code is :19" + kScanTail});
+}
+
+// In a host's batch, a device the rescan brings back is seen by the next read.
+TEST_F(DeviceDriverTest, ARescanInABatchIsSeenByTheNextRead) {
+  auto& wifi = db_.Add(device_class::kNet).HardwareIds({kWifi});
+  wifi.present = false;
+  wifi.problems_after_rescan = {28};
+  velhal::batch::Begin();
+  EXPECT_EQ(driver_.GetDeviceDriverErrorCode(kWifi, DriverType_WirelessNetwork), 0u);  // away
+  driver_.ScanForHardwareChange();
+  EXPECT_EQ(driver_.GetDeviceDriverErrorCode(kWifi, DriverType_WirelessNetwork), 28u);
+  EXPECT_TRUE(velhal::batch::End());
 }
 
 TEST_F(DeviceDriverTest, UninstallAndProblemCodeTakeTheirKindsClass) {

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <thread>
 
+#include "platform/batch.h"
 #include "platform/device_classes.h"
 #include "platform/device_property_keys.h"
 #include "tests/support/fake_system.h"
@@ -240,3 +242,30 @@ TEST_F(DeviceInformentionTest, RemovalReportsTheSystemsAnswer) {
 }
 
 }  // namespace
+
+TEST_F(DeviceInformentionTest, ABatchOpensEachSetOnceUntilTheDevicesChange) {
+  velhal::batch::Begin();
+  const std::vector<std::wstring> nics = devices_.GetDeviceHardwareId(kNet);
+  EXPECT_EQ(devices_.GetDeviceDesc(kNet), (std::vector<std::wstring>{L"", L"No hardware IDs"}));
+  EXPECT_EQ(devices_.GetDeviceStrInfoByHardwareId(kGpu, kMedia, DeviceProperty_Manufacturer),
+            L"First maker");
+  EXPECT_EQ(devices_.GetDeviceULONGInfoByHardwareId(kGpu, kMedia, DeviceProperty_ProblemCode),
+            22u);
+  EXPECT_EQ(db_.opens.size(), 2u);  // the class's set and the system-wide one
+  std::thread([&] { devices_.GetDeviceHardwareId(kNet); }).join();  // its own, and closed
+  EXPECT_EQ(db_.opens.size(), 3u);
+  EXPECT_EQ(db_.open_sets, 2);
+
+  // A removal changes the devices: the sets are opened again after it.
+  EXPECT_EQ(devices_.UnstallDeviceByHardwareId(kGpu, kNet), 0u);
+  EXPECT_EQ(nics.front(), kGpu);
+  EXPECT_EQ(devices_.GetDeviceHardwareId(kNet), std::vector<std::wstring>{L""});
+  EXPECT_TRUE(velhal::batch::End());
+  EXPECT_EQ(db_.open_sets, 0);
+  EXPECT_EQ(db_.bad_destroys, 0);
+
+  const size_t opens = db_.opens.size();
+  devices_.GetDeviceHardwareId(kNet);
+  devices_.GetDeviceHardwareId(kNet);
+  EXPECT_EQ(db_.opens.size(), opens + 2);  // no batch: each call its own
+}
