@@ -27,7 +27,7 @@ bool SameNamespace(const std::wstring& a, const std::wstring& b) {
 
 // The rows one WQL text gave in a session, kept for its later identical queries.
 struct Snapshot {
-  std::wstring name_space, wql;
+  std::wstring name_space, key;  // key: RowsKey of the text asked
   HRESULT result = S_OK;  // how the enumeration ended
   std::vector<ComPtr<IWbemClassObject>> objects;
   bool complete = false;  // false when only the first object was fetched
@@ -59,6 +59,40 @@ std::wstring WholeObjects(const std::wstring& wql) {
   while (end < wql.size() && (std::iswalnum(wql[end]) || wql[end] == L'_')) ++end;
   if (end == 7 || end >= wql.size() || wql[end] != L' ' || !word_at(end + 1, L"FROM")) return wql;
   return L"SELECT * FROM" + wql.substr(end + 5);
+}
+
+bool IsComparison(wchar_t c) { return c == L'=' || c == L'<' || c == L'>' || c == L'!'; }
+
+// Texts that differ only in blanks ("Index='0'", "Index = '0'") ask for the same rows and share
+// one key: blanks beside a comparison are dropped and runs of blanks made one, outside quoted
+// literals (whose backslash escapes are kept whole).
+std::wstring RowsKey(const std::wstring& wql) {
+  std::wstring key;
+  key.reserve(wql.size());
+  wchar_t quote = 0;
+  for (size_t at = 0; at < wql.size(); ++at) {
+    const wchar_t c = wql[at];
+    if (quote != 0) {
+      key += c;
+      if (c == L'\\' && at + 1 < wql.size()) {
+        key += wql[++at];
+      } else if (c == quote) {
+        quote = 0;
+      }
+      continue;
+    }
+    if (c == L' ') {
+      if (!key.empty() && key.back() != L' ' && !IsComparison(key.back())) key += c;
+      continue;
+    }
+    if (IsComparison(c)) {
+      while (!key.empty() && key.back() == L' ') key.pop_back();
+    } else if (c == L'\'' || c == L'"') {
+      quote = c;
+    }
+    key += c;
+  }
+  return key;
 }
 
 // Walks the enumerator until it ends, the deadline passes or (first_only) one object was seen.
@@ -162,8 +196,9 @@ struct SessionScope::State {
   HRESULT Rows(const std::wstring& name_space, const std::wstring& asked, bool first_only,
                const Snapshot*& rows) {
     const std::wstring wql = whole_objects ? WholeObjects(asked) : asked;
+    std::wstring key = RowsKey(wql);
     for (auto kept = snapshots.begin(); kept != snapshots.end(); ++kept) {
-      if (kept->wql != wql || !SameNamespace(kept->name_space, name_space)) continue;
+      if (kept->key != key || !SameNamespace(kept->name_space, name_space)) continue;
       if (kept->complete || first_only) {
         rows = &*kept;
         return S_OK;
@@ -179,7 +214,7 @@ struct SessionScope::State {
     if (language.get() == nullptr || query.get() == nullptr) return E_OUTOFMEMORY;
     Snapshot snapshot;
     snapshot.name_space = name_space;
-    snapshot.wql = wql;
+    snapshot.key = std::move(key);
     snapshot.complete = !first_only;
     ComPtr<IEnumWbemClassObject> enumerator;
     hr = services->ExecQuery(language.get(), query.get(),

@@ -240,6 +240,9 @@ TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
                {S_OK, {{{L"Name", FakeValue::Text(L"CPU")}, {L"Cores", FakeValue::UInt32(8)}}}});
   com.AddQuery(L"SELECT * FROM Win32_Broken", {static_cast<HRESULT>(WBEM_E_INVALID_CLASS), {}});
   com.AddQuery(kProcessors, {S_OK, {NameRow(L"CPU")}});
+  com.AddQuery(L"SELECT * FROM Win32_DiskDrive WHERE Index='0'", {S_OK, {NameRow(L"disk")}});
+  com.AddQuery(L"SELECT * FROM Win32_Volume WHERE Label = 'a = b'", {S_OK, {NameRow(L"spaced")}});
+  com.AddQuery(L"SELECT * FROM Win32_Volume WHERE Label='a=b'", {S_OK, {NameRow(L"tight")}});
   Install(com);
 
   EXPECT_FALSE(velhal::wmi::EndBatch());  // no batch open
@@ -258,6 +261,18 @@ TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
   EXPECT_EQ(out.values, (std::vector<std::wstring>{L"CPU", L"8", L"CPU", L"8", L"CPU", L"8"}));
   EXPECT_EQ(com.connections, 1);
   EXPECT_EQ(com.exec_flags.size(), 2u);
+  // Blanks beside a comparison do not make another query; inside a literal they do.
+  out.values.clear();
+  RunQuery(kCimV2, L"SELECT Name FROM Win32_DiskDrive WHERE Index='0'", L"Name", true,
+           out.callback());
+  RunQuery(kCimV2, L"SELECT Name FROM  Win32_DiskDrive WHERE Index = '0'", L"Name", true,
+           out.callback());
+  RunQuery(kCimV2, L"SELECT Name FROM Win32_Volume WHERE Label = 'a = b'", L"Name", true,
+           out.callback());
+  RunQuery(kCimV2, L"SELECT Name FROM Win32_Volume WHERE Label='a=b'", L"Name", true,
+           out.callback());
+  EXPECT_EQ(out.values, (std::vector<std::wstring>{L"disk", L"disk", L"spaced", L"tight"}));
+  EXPECT_EQ(com.exec_flags.size(), 5u);
   EXPECT_TRUE(velhal::wmi::EndBatch());
   EXPECT_GT(com.live_objects, 0);  // the inner end keeps the batch
   EXPECT_EQ(com.uninitialize_calls, 0);
@@ -269,7 +284,7 @@ TEST_F(WmiEngineTest, ABatchSpansCallsOnItsThreadUntilItsOutermostEnd) {
 
   // After the batch, each query asks WMI again, as it is written.
   RunQuery(kCimV2, kProcessors, L"Name", false, out.callback());
-  EXPECT_EQ(com.exec_flags.size(), 3u);
+  EXPECT_EQ(com.exec_flags.size(), 6u);
   backend_.reset();
   ExpectClean(com);
 }
