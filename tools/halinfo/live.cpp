@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <exception>
+#include <latch>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -25,37 +26,43 @@ namespace {
 enum class Shown { kAlways, kWithDevicesOption };
 
 
-enum class Source { kWmi, kOther };
+// How a section is scheduled. A thread builds its tasks in one batch, so what the sections of
+// one task share is taken once.
+enum class Task {
+  kOwn,       // a task of its own, taken in report order
+  kOwnLong,   // a task of its own, taken before the others as it takes longest
+  kWmi,       // with the others that ask WMI most, on the report's own thread
+  kGraphics,  // one task (the first) with the others reading the graphics adapters' inventory
+};
 
 struct Section {
   Node (*build)();
-  Source source = Source::kOther;
+  Task task = Task::kOwn;
   Shown shown = Shown::kAlways;
 };
 
-// The report, in order: a new section is one row. The sections that ask WMI are built on one
-// thread, in one batch: one connection per namespace, each query asked once.
+// The report, in order: a new section is one row.
 constexpr Section kSections[] = {
     {LibrarySection},
     {OperatingSystemSection},
-    {ProcessorSection, Source::kWmi},
-    {MemorySection, Source::kWmi},
-    {DisksSection, Source::kWmi},
+    {ProcessorSection, Task::kWmi},
+    {MemorySection, Task::kWmi},
+    {DisksSection, Task::kWmi},
     {BatterySection},
-    {GraphicsSection, Source::kWmi},
-    {MonitorsSection, Source::kWmi},
-    {DisplaySection},
-    {FirmwareSection, Source::kWmi},
-    {SensorsSection, Source::kWmi},
+    {GraphicsSection, Task::kGraphics},
+    {MonitorsSection, Task::kGraphics},
+    {DisplaySection, Task::kGraphics},
+    {FirmwareSection, Task::kWmi},
+    {SensorsSection, Task::kWmi},
     {TouchScreenSection},
-    {NetworkSection},
+    {NetworkSection, Task::kOwnLong},
     {AudioDevicesSection},
     {BluetoothSection},
     {BiometricSection},
     {KeyboardSection},
     {UsbSection},
-    {DevicesSection, Source::kOther, Shown::kWithDevicesOption},  // long: printed on request
-    {DriversSection, Source::kOther, Shown::kWithDevicesOption},
+    {DevicesSection, Task::kOwn, Shown::kWithDevicesOption},  // long: printed on request
+    {DriversSection, Task::kOwn, Shown::kWithDevicesOption},
 };
 
 }  // namespace
@@ -84,41 +91,63 @@ std::vector<SectionBuilder> ReportSections(bool with_devices) {
 
 namespace {
 
-// The report's sections built on three threads: this one builds the sections that ask WMI, in
-// order, then helps with the rest; two more threads take the rest, each the next not yet taken.
-// The other sections wait on the system (device walks, DXGI, the network list) and overlap;
-// on two cores the report takes about two thirds of its time on one thread. Each thread works
-// in a batch of its own. Where a thread cannot start, the others report without it.
+// The report's sections built on three threads, each in a batch of its own. This thread builds
+// the sections that ask WMI most, in order, then helps with the rest; two helpers take the rest,
+// each the next task not yet taken: the sections sharing the graphics inventory, the long
+// sections, then each other section in report order. Most sections wait on the system (WMI,
+// device walks, DXGI, the network list) and overlap; on two cores the report takes about half
+// its time on one thread. Where a helper cannot start, the others report without it. (WMI's
+// questions stay on one thread: spread over two, the report took a tenth longer.)
+//
+// Under Wine the process's first window (a single-threaded apartment's) makes the desktop, and
+// that must not overlap another thread's first WMI or graphics call: both threads hang, one
+// inside the loader's lock. So the first helper enters its apartment while this thread only
+// loads VelHal.dll, and the rest starts once that apartment is made.
 class ReportBuilder {
  public:
   explicit ReportBuilder(bool with_devices) {
+    std::vector<size_t> graphics;
+    std::vector<std::vector<size_t>> others;
     for (const Section& section : kSections) {
       if (section.shown == Shown::kWithDevicesOption && !with_devices) continue;
-      (section.source == Source::kWmi ? asking_wmi_ : others_).push_back(sections_.size());
+      const size_t index = sections_.size();
       sections_.push_back(section.build);
+      switch (section.task) {
+        case Task::kOwn: others.push_back({index}); break;
+        case Task::kOwnLong: tasks_.push_back({index}); break;
+        case Task::kWmi: asking_wmi_.push_back(index); break;
+        case Task::kGraphics: graphics.push_back(index); break;
+      }
     }
+    tasks_.insert(tasks_.begin(), std::move(graphics));
+    tasks_.insert(tasks_.end(), others.begin(), others.end());
     built_.resize(sections_.size());
     failures_.resize(sections_.size());
   }
 
-  void Build() {
+  // Loads VelHal.dll and builds every section; the load's error when it failed, else 0.
+  DWORD Build() {
     std::vector<std::thread> helpers;
-    try {
-      for (int helper = 0; helper < kHelperThreads; ++helper) {
-        helpers.emplace_back([this] {
-          const ReportApartment apartment;
-          const HalBatch batch;
-          BuildOthers();
-        });
+    StartHelper(helpers);  // the first enters its apartment now
+    loaded_ = LoadVelHal() != nullptr;
+    const DWORD last_error = ::GetLastError();
+    const DWORD load_error = loaded_ ? 0 : last_error != 0 ? last_error : ERROR_MOD_NOT_FOUND;
+    velhal_tried_.count_down();
+    apartment_made_.wait();
+    if (loaded_) {
+      StartHelper(helpers);
+      {
+        // Without an apartment of its own: the library joins the multithreaded one for the
+        // batch's length, as for a host's worker thread.
+        const HalBatch batch;
+        for (const size_t index : asking_wmi_) BuildOne(index);
       }
-    } catch (const std::system_error&) {
-    }
-    {
+      const ReportApartment apartment;
       const HalBatch batch;
-      for (const size_t index : asking_wmi_) BuildOne(index);
-      BuildOthers();
+      BuildTasks();
     }
     for (std::thread& helper : helpers) helper.join();
+    return load_error;
   }
 
   // The sections in report order; a section that cannot be made is left out and said.
@@ -137,11 +166,25 @@ class ReportBuilder {
   }
 
  private:
-  static constexpr int kHelperThreads = 2;
+  void StartHelper(std::vector<std::thread>& helpers) {
+    const bool first = helpers.empty();
+    try {
+      helpers.emplace_back([this, first] {
+        const ReportApartment apartment;
+        if (first) apartment_made_.count_down();
+        velhal_tried_.wait();
+        if (!loaded_) return;
+        const HalBatch batch;
+        BuildTasks();
+      });
+    } catch (const std::system_error&) {
+      if (first) apartment_made_.count_down();
+    }
+  }
 
-  void BuildOthers() {
-    for (size_t taken = next_other_++; taken < others_.size(); taken = next_other_++) {
-      BuildOne(others_[taken]);
+  void BuildTasks() {
+    for (size_t taken = next_task_++; taken < tasks_.size(); taken = next_task_++) {
+      for (const size_t index : tasks_[taken]) BuildOne(index);
     }
   }
 
@@ -154,8 +197,12 @@ class ReportBuilder {
   }
 
   std::vector<SectionBuilder> sections_;
-  std::vector<size_t> asking_wmi_, others_;
-  std::atomic<size_t> next_other_{0};
+  std::vector<size_t> asking_wmi_;
+  std::vector<std::vector<size_t>> tasks_;  // each a list of sections, built in turn
+  std::atomic<size_t> next_task_{0};
+  std::latch apartment_made_{1};  // by the first helper (or at once, when it could not start)
+  std::latch velhal_tried_{1};
+  bool loaded_ = false;  // written before velhal_tried_ opens
   std::vector<std::optional<Node>> built_;
   std::vector<std::string> failures_;
 };
@@ -163,17 +210,12 @@ class ReportBuilder {
 }  // namespace
 
 int ReportRunningMachine(const Options& options) {
-  if (LoadVelHal() == nullptr) {
-    const DWORD error = ::GetLastError();
+  ReportBuilder report(options.devices);
+  if (const DWORD error = report.Build(); error != 0) {
     PrintError("halinfo: cannot load VelHal.dll: " + SystemMessage(error) + " (error " +
                std::to_string(error) + ").\nKeep VelHal.dll in the folder of halinfo.exe.\n");
     return kExitLibraryMissing;
   }
-  // This thread enters its apartment before the helpers start: under Wine that makes the
-  // desktop, which two threads must not make at once (one inside the loader's lock hangs both).
-  const ReportApartment apartment;
-  ReportBuilder report(options.devices);
-  report.Build();
   int failed = 0;
   const std::vector<Node> sections = report.Take(failed);
   Print(options.json ? JsonDocument(sections) : PlainText(sections));
