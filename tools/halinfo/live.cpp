@@ -91,13 +91,13 @@ std::vector<SectionBuilder> ReportSections(bool with_devices) {
 
 namespace {
 
-// The report's sections built on three threads, each in a batch of its own. This thread builds
-// the sections that ask WMI most, in order, then helps with the rest; two helpers take the rest,
-// each the next task not yet taken: the sections sharing the graphics inventory, the long
+// The report's sections built on four threads, each in a batch of its own. This thread builds
+// the sections that ask WMI most, in order, then helps with what is left; three helpers take the
+// rest, each the next task not yet taken: the sections sharing the graphics inventory, the long
 // sections, then each other section in report order. Most sections wait on the system (WMI,
-// device walks, DXGI, the network list) and overlap; on two cores the report takes about half
-// its time on one thread. Where a helper cannot start, the others report without it. (WMI's
-// questions stay on one thread: spread over two, the report took a tenth longer.)
+// device walks, DXGI, the network list) and overlap: on two cores under Wine the report takes
+// about half its time on one thread. Where a helper cannot start, the others report without
+// it. (WMI's questions stay on one thread: spread over two, the report took a tenth longer.)
 //
 // Under Wine the process's first window (a single-threaded apartment's) makes the desktop, and
 // that must not overlap another thread's first WMI or graphics call: both threads hang, one
@@ -135,16 +135,18 @@ class ReportBuilder {
     velhal_tried_.count_down();
     apartment_made_.wait();
     if (loaded_) {
-      StartHelper(helpers);
+      for (int more = 1; more < kHelpers; ++more) StartHelper(helpers);
       {
         // Without an apartment of its own: the library joins the multithreaded one for the
         // batch's length, as for a host's worker thread.
         const HalBatch batch;
         for (const size_t index : asking_wmi_) BuildOne(index);
       }
-      const ReportApartment apartment;
-      const HalBatch batch;
-      BuildTasks();
+      if (next_task_ < tasks_.size()) {  // helpers that could not start, or are still busy
+        const ReportApartment apartment;
+        const HalBatch batch;
+        BuildTasks();
+      }
     }
     for (std::thread& helper : helpers) helper.join();
     return load_error;
@@ -166,6 +168,8 @@ class ReportBuilder {
   }
 
  private:
+  static constexpr int kHelpers = 3;
+
   void StartHelper(std::vector<std::thread>& helpers) {
     const bool first = helpers.empty();
     try {
