@@ -21,10 +21,16 @@ function(velhal_delay_load target)
     list(REMOVE_DUPLICATES imports)
     list(TRANSFORM imports REPLACE " I __imp_" "")
     list(JOIN imports "\n" exports)
-    file(WRITE ${out}/${dll}.def "LIBRARY ${dll}.dll\nEXPORTS\n${exports}\n")
-    execute_process(COMMAND ${VELHAL_DLLTOOL} --input-def ${out}/${dll}.def --dllname ${dll}.dll
-                            --output-delaylib ${out}/lib${dll}.delay.a
-                    COMMAND_ERROR_IS_FATAL ANY)
+    # Rewritten only when different, and the library remade only then: a reconfigure alone
+    # does not relink the DLL.
+    file(WRITE ${out}/${dll}.def.new "LIBRARY ${dll}.dll\nEXPORTS\n${exports}\n")
+    file(COPY_FILE ${out}/${dll}.def.new ${out}/${dll}.def ONLY_IF_DIFFERENT)
+    file(REMOVE ${out}/${dll}.def.new)
+    if(NOT EXISTS ${out}/lib${dll}.delay.a OR ${out}/${dll}.def IS_NEWER_THAN ${out}/lib${dll}.delay.a)
+      execute_process(COMMAND ${VELHAL_DLLTOOL} --input-def ${out}/${dll}.def --dllname ${dll}.dll
+                              --output-delaylib ${out}/lib${dll}.delay.a
+                      COMMAND_ERROR_IS_FATAL ANY)
+    endif()
     target_link_libraries(${target} PRIVATE ${out}/lib${dll}.delay.a)
   endforeach()
 endfunction()
