@@ -256,12 +256,14 @@ HAL_STATIC_ASSERT(offsetof(DpColorRange, step) == 16, "step at 16");
 
 /*
  * A batch, for hosts that ask many questions at once: between HalBeginBatch and HalEndBatch,
- * on the calling thread, every WMI query shares one connection per namespace, an identical
+ * on the calling thread, every WMI query shares one connection per namespace; an identical
  * query (up to blanks beside a comparison) is answered from the rows the batch already holds,
- * and the graphics and IP adapter inventories and each device information set are taken once
- * (a driver reset, removal, enabling or rescan makes the sets be taken again). Batches nest
- * (counted per thread); the outermost HalEndBatch releases everything. End a batch on the thread that began it and
- * before that thread uninitialises COM. HalEndBatch returns 0 when no batch is open.
+ * as is one that picks a class's objects by a whole number ("WHERE Index='1'") once the batch
+ * holds all of the class's objects; and the graphics and IP adapter inventories and each device
+ * information set are taken once (a driver reset, removal, enabling or rescan makes the sets be
+ * taken again). Batches nest (counted per thread); the outermost HalEndBatch releases
+ * everything. End a batch on the thread that began it and before that thread uninitialises COM.
+ * HalEndBatch returns 0 when no batch is open.
  */
 VELHAL_C_API uint32_t HalBeginBatch(void);
 VELHAL_C_API uint32_t HalEndBatch(void);

@@ -3,10 +3,14 @@
 #include <oleauto.h>
 #include <wbemcli.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cwchar>
 #include <cwctype>
 #include <mutex>
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -93,6 +97,63 @@ std::wstring RowsKey(const std::wstring& wql) {
     key += c;
   }
   return key;
+}
+
+// "SELECT * FROM Class WHERE Property='n'" (a rows key) with n a plain decimal number: the key
+// of the whole class's rows, the property and the number.
+struct NumberFilter {
+  std::wstring class_key, property;
+  uint64_t number = 0;
+};
+
+bool IsWordChar(wchar_t c) { return std::iswalnum(c) || c == L'_'; }
+bool IsAsciiDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+
+std::optional<NumberFilter> ParseNumberFilter(const std::wstring& key) {
+  static constexpr std::wstring_view kSelect = L"SELECT * FROM ";
+  static constexpr std::wstring_view kWhere = L" WHERE ";
+  const std::wstring_view text(key);
+  if (!text.starts_with(kSelect)) return std::nullopt;
+  const size_t where = text.find(kWhere, kSelect.size());
+  const size_t equals = text.find(L"='", where);
+  if (where == std::wstring_view::npos || equals == std::wstring_view::npos) return std::nullopt;
+  const std::wstring_view class_name = text.substr(kSelect.size(), where - kSelect.size());
+  const std::wstring_view property =
+      text.substr(where + kWhere.size(), equals - where - kWhere.size());
+  const std::wstring_view digits = text.substr(equals + 2, text.size() - equals - 3);
+  if (class_name.empty() || property.empty() || digits.empty() || digits.size() > 18 ||
+      text.back() != L'\'' || !std::all_of(class_name.begin(), class_name.end(), IsWordChar) ||
+      !std::all_of(property.begin(), property.end(), IsWordChar) ||
+      !std::all_of(digits.begin(), digits.end(), IsAsciiDigit)) {
+    return std::nullopt;
+  }
+  NumberFilter filter{std::wstring(text.substr(0, where)), std::wstring(property)};
+  for (const wchar_t digit : digits) filter.number = filter.number * 10 + (digit - L'0');
+  return filter;
+}
+
+enum class Match { kYes, kNo, kUnknown };
+
+// Whether the object's property holds the number, as WMI compares a whole number with a quoted
+// decimal; kUnknown for anything else (no such property, text, a fraction), which WMI decides.
+Match HoldsNumber(IWbemClassObject& object, const std::wstring& property, uint64_t number) {
+  Variant value;
+  CIMTYPE type = CIM_EMPTY;
+  if (FAILED(object.Get(property.c_str(), 0, value.get(), &type, nullptr))) return Match::kUnknown;
+  const VARIANT& v = *value.get();
+  int64_t held = 0;
+  switch (V_VT(&v)) {
+    case VT_NULL: return Match::kNo;  // NULL equals nothing
+    case VT_UI1: held = V_UI1(&v); break;
+    case VT_I2: held = V_I2(&v); break;
+    case VT_UI2: held = V_UI2(&v); break;
+    case VT_I4:  // how WMI hands uint32 over
+      held = type == CIM_UINT32 ? int64_t{static_cast<uint32_t>(V_I4(&v))} : V_I4(&v);
+      break;
+    case VT_UI4: held = V_UI4(&v); break;
+    default: return Match::kUnknown;
+  }
+  return held >= 0 && static_cast<uint64_t>(held) == number ? Match::kYes : Match::kNo;
 }
 
 // Walks the enumerator until it ends, the deadline passes or (first_only) one object was seen.
@@ -191,6 +252,29 @@ struct SessionScope::State {
     return S_OK;
   }
 
+  // A batch answers "SELECT * FROM Class WHERE Property='n'" from the whole class's rows it
+  // holds, when the property is a whole number in every one of them: WMI would enumerate the
+  // same objects in the same order and compare the number alike. A host reading each disk by
+  // index then costs one query, not one per disk.
+  std::optional<Snapshot> FromClassRows(const std::wstring& name_space, const std::wstring& key) {
+    const std::optional<NumberFilter> filter = ParseNumberFilter(key);
+    if (!filter) return std::nullopt;
+    for (const Snapshot& kept : snapshots) {
+      if (kept.key != filter->class_key || !kept.complete || FAILED(kept.result) ||
+          !SameNamespace(kept.name_space, name_space)) {
+        continue;
+      }
+      Snapshot filtered{name_space, key, S_OK, {}, true};
+      for (const ComPtr<IWbemClassObject>& object : kept.objects) {
+        const Match match = HoldsNumber(*object.Get(), filter->property, filter->number);
+        if (match == Match::kUnknown) return std::nullopt;
+        if (match == Match::kYes) filtered.objects.push_back(object);
+      }
+      return filtered;
+    }
+    return std::nullopt;
+  }
+
   // The rows of wql, from this session's snapshot when it has them (a first-object snapshot
   // serves only first-object questions), else from WMI.
   HRESULT Rows(const std::wstring& name_space, const std::wstring& asked, bool first_only,
@@ -205,6 +289,13 @@ struct SessionScope::State {
       }
       snapshots.erase(kept);
       break;
+    }
+    if (whole_objects) {
+      if (std::optional<Snapshot> filtered = FromClassRows(name_space, key)) {
+        snapshots.push_back(std::move(*filtered));
+        rows = &snapshots.back();
+        return S_OK;
+      }
     }
     ComPtr<IWbemServices> services;
     HRESULT hr = Connect(name_space, services);

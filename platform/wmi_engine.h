@@ -7,11 +7,13 @@
 // sets the proxy blanket on its own proxies instead.
 //
 // Sessions: a query made inside a session shares the session's connection to its namespace,
-// and an identical WQL text in the same namespace is answered from the rows the session already
-// holds instead of asking WMI again. A SessionScope is a session on the stack of one public
-// call; a batch (BeginBatch/EndBatch, the flat HalBeginBatch/HalEndBatch) is one a host holds
-// open across calls on its thread, nesting counted, and asks for whole objects ("SELECT X FROM
-// ..." as "SELECT * FROM ..."), so that the properties of one object cost one query. Outside both, each query connects for
+// and an identical WQL text in the same namespace (blanks beside a comparison aside) is
+// answered from the rows the session already holds instead of asking WMI again. A SessionScope
+// is a session on the stack of one public call; a batch (BeginBatch/EndBatch, the flat
+// HalBeginBatch/HalEndBatch) is one a host holds open across calls on its thread, nesting
+// counted, and asks for whole objects ("SELECT X FROM ..." as "SELECT * FROM ..."), so that the
+// properties of one object cost one query, and picks objects by a whole number ("WHERE
+// Index='1'") from the class's rows when it holds them. Outside both, each query connects for
 // itself. No COM pointer outlives its session; the host ends a batch before it uninitialises
 // COM on that thread (a batch left open when the thread ends is leaked, never released late).
 //

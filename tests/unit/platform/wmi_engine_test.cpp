@@ -298,6 +298,58 @@ int TakeOrThrow() {
   return g_taken;
 }
 
+// In a batch, a row picked by a whole number ("WHERE Index='1'") comes from the class's rows the
+// batch holds; WMI is asked where it alone can decide.
+TEST_F(WmiEngineTest, ABatchPicksRowsByNumberFromTheClassRowsItHolds) {
+  using velhal::testing::FakeValue;
+  FakeCom com(FakeCom::Apartment::kNone);
+  com.AddNamespace(kCimV2);
+  const auto disk = [](uint32_t index, const wchar_t* caption, FakeValue size) {
+    return FakeCom::Row{{L"Index", FakeValue::UInt32(index)},
+                        {L"Caption", FakeValue::Text(caption)},
+                        {L"Size", std::move(size)}};
+  };
+  com.AddQuery(L"SELECT * FROM Win32_DiskDrive",
+               {S_OK, {disk(0, L"first", FakeValue::UInt64(512)),
+                       disk(0xFFFFFFFF, L"last", FakeValue::UInt64(1024)),
+                       disk(1, L"second", FakeValue::Null(CIM_UINT64))}});
+  com.AddQuery(L"SELECT * FROM Win32_DiskDrive WHERE Size='512'",
+               {S_OK, {disk(0, L"by size", FakeValue::UInt64(512))}});
+  com.AddQuery(L"SELECT * FROM Win32_DiskDrive WHERE Caption='first'",
+               {S_OK, {disk(0, L"by caption", FakeValue::UInt64(512))}});
+  com.AddQuery(L"SELECT * FROM Win32_DiskDrive WHERE Index='2'", {S_OK, {}});
+  Install(com);
+
+  velhal::wmi::BeginBatch();
+  Collector out;
+  // Before the class's rows are held, WMI is asked.
+  EXPECT_EQ(RunQuery(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Index='2'", L"Caption",
+                     true, out.callback()),
+            S_OK);
+  EXPECT_EQ(com.exec_flags.size(), 1u);
+  RunQuery(kCimV2, L"SELECT Index FROM Win32_DiskDrive", L"Index", false, out.callback());
+  out.values.clear();
+  for (const wchar_t* where : {L"Index='1'", L"Index = '4294967295'", L"Index='0'",
+                               L"Index='7'"}) {
+    EXPECT_EQ(RunQuery(kCimV2, std::wstring(L"SELECT Caption FROM Win32_DiskDrive WHERE ") + where,
+                       L"Caption", false, out.callback()),
+              S_OK);
+  }
+  EXPECT_EQ(out.values, (std::vector<std::wstring>{L"second", L"last", L"first"}));
+  EXPECT_EQ(com.exec_flags.size(), 2u);
+  // Text, a uint64 (WMI's text) or a null in some row: WMI decides.
+  RunQuery(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Size='512'", L"Caption", true,
+           out.callback());
+  RunQuery(kCimV2, L"SELECT Caption FROM Win32_DiskDrive WHERE Caption='first'", L"Caption",
+           true, out.callback());
+  EXPECT_EQ(std::vector<std::wstring>(out.values.end() - 2, out.values.end()),
+            (std::vector<std::wstring>{L"by size", L"by caption"}));
+  EXPECT_EQ(com.exec_flags.size(), 4u);
+  EXPECT_TRUE(velhal::wmi::EndBatch());
+  backend_.reset();
+  ExpectClean(com);
+}
+
 TEST_F(WmiEngineTest, AKeptInventoryIsTakenOncePerBatchOnItsThread) {
   using velhal::batch::Kept;
   FakeCom com(FakeCom::Apartment::kNone);
